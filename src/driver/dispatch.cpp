@@ -1,0 +1,65 @@
+#include "driver/dispatch.h"
+
+#include <cstring>
+
+#include "driver/command_line.h"
+#include "jobs/kwrc/kwrc_import.h"
+#include "util/strings.h"
+
+namespace {
+
+enum class TypeMatch {
+  kAny,     // the organisation's only job, whatever the data type
+  kExact,   // data type compared exactly
+  kRepair,  // any other organisation; data type compared ignoring case
+};
+
+struct JobRow {
+  const char* org;   // null for repairs
+  const char* type;  // null for kAny
+  TypeMatch match;
+  void (*run)();
+};
+
+// Every organisation code the program knows, including those whose jobs are
+// run elsewhere: a repair type with one of these codes runs nothing.
+constexpr const char* kOrganisations[] = {"HWC",  "KWRC",     "CSAQ_FF", "DsWC",   "GLFH",
+                                          "CSAQ_PKS", "UPRC", "SBR_LA",  "SBR_SF"};
+
+// Tested in this order; at most one job runs.
+constexpr JobRow kJobs[] = {
+    {"HWC", nullptr, TypeMatch::kAny, nullptr},  // nothing to import for this site
+    {"KWRC", nullptr, TypeMatch::kAny, [] { ImportKwrcYear(); }},
+};
+
+bool IsOrganisation(const char* org_code) {
+  for (const char* org : kOrganisations) {
+    if (std::strcmp(org, org_code) == 0) return true;
+  }
+  return false;
+}
+
+bool Matches(const JobRow& row, const char* org_code, const char* data_type, bool known_org) {
+  switch (row.match) {
+    case TypeMatch::kAny:
+      return std::strcmp(row.org, org_code) == 0;
+    case TypeMatch::kExact:
+      return std::strcmp(row.org, org_code) == 0 && std::strcmp(row.type, data_type) == 0;
+    case TypeMatch::kRepair:
+      return !known_org && EqualsNoCase(row.type, data_type);
+  }
+  return false;
+}
+
+}  // namespace
+
+bool RunSelectedJob(const char* org_code, const char* data_type) {
+  bool known_org = IsOrganisation(org_code);
+  for (const JobRow& row : kJobs) {
+    if (!Matches(row, org_code, data_type, known_org)) continue;
+    if (row.run == nullptr) return false;
+    row.run();
+    return true;
+  }
+  return false;
+}

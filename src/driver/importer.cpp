@@ -1,0 +1,50 @@
+#include "driver/importer.h"
+
+#include <cstdio>
+
+#include "driver/command_line.h"
+#include "driver/dispatch.h"
+#include "driver/ini_file.h"
+#include "store/connection.h"
+#include "util/text.h"
+
+namespace {
+constexpr const char* kProgramName = "CorvanaDataImporter";
+constexpr const char* kVersion = "1.0";
+}  // namespace
+
+int ConnectFromConfig() {
+  Text<128> server{};
+  Text<32> database{};
+  Text<32> user{};
+  Text<32> password{};
+  g_config.IniGetString("MYSQL", "Server", "", server);
+  int port = g_config.IniGetInt("MYSQL", "Port", 3306);
+  g_config.IniGetString("MYSQL", "Database", "", database);
+  g_config.IniGetString("MYSQL", "Username", "", user);
+  g_config.IniGetString("MYSQL", "Password", "", password);
+
+  if (ConnectDatabase(server.c_str(), database.c_str(), user.c_str(), password.c_str(), port) != 0) {
+    std::printf("Can't connect to '%s' on '%s:%d' as user '%s'!\n", database.c_str(), server.c_str(), port,
+                user.c_str());
+    return 1;
+  }
+  std::printf("\n\n%s version %s connected successfully to '%s:%s'\n", kProgramName, kVersion, server.c_str(),
+              database.c_str());
+  return 0;
+}
+
+int RunImporter(int argc, const char* const* argv) {
+  CommandLine command_line(argc, argv, g_options, kOptionCount);
+  if (!command_line.IsValid()) {
+    std::printf("Unable to correclty parse command-line arguments!\n");
+    std::printf("Usage: %s -org ORGNAME -year 2011 -type DATA_TYPE\n", kProgramName);
+    return 1;
+  }
+  if (ConnectFromConfig() != 0) return 1;
+
+  std::printf("%s - %s - %d\n", OrgCode.c_str(), DataType.c_str(), Year);
+  RunSelectedJob(OrgCode.c_str(), DataType.c_str());
+  CloseDatabase();
+  return 0;
+}

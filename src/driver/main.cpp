@@ -1,0 +1,3 @@
+#include "driver/importer.h"
+
+int main(int argc, char** argv) { return RunImporter(argc, argv); }

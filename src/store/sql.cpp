@@ -1,0 +1,122 @@
+#include "store/sql.h"
+
+#include <cstdio>
+#include <cstring>
+
+bool IsSafeLiteral(std::string_view value) {
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (value[i] == '\\') {
+      if (i + 1 == value.size()) return false;
+      ++i;
+    } else if (value[i] == '\'') {
+      if (i + 1 == value.size() || value[i + 1] != '\'') return false;
+      ++i;
+    }
+  }
+  return true;
+}
+
+namespace {
+
+// The conversion texts come from the fixed statement texts, never from data.
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+
+// Formats one conversion `spec` ("%.2f", "%d", "%I64d", ...) with `arg`.
+bool FormatOne(std::string& out, std::string_view spec, const SqlArg& arg) {
+  char conversion = spec.back();
+  // Flags, width and precision; any length modifier (I64, ll, l, h) is
+  // dropped because the value's own type decides how it is printed.
+  std::string printf_spec(spec.substr(0, spec.find_first_not_of("%-+ #0123456789.")));
+  char piece[128];
+  switch (conversion) {
+    case 's':
+      if (arg.kind != SqlArg::Kind::kText) return false;
+      if (printf_spec == "%") {
+        out.append(arg.text);
+      } else {
+        std::string text(arg.text);
+        printf_spec += 's';
+        int n = std::snprintf(nullptr, 0, printf_spec.c_str(), text.c_str());
+        std::string formatted(static_cast<std::size_t>(n) + 1, '\0');
+        std::snprintf(formatted.data(), formatted.size(), printf_spec.c_str(), text.c_str());
+        formatted.resize(static_cast<std::size_t>(n));
+        out += formatted;
+      }
+      return true;
+    case 'c':
+      if (arg.kind != SqlArg::Kind::kChar) return false;
+      if (arg.character != '\0') out.push_back(arg.character);
+      return true;
+    case 'd':
+    case 'i':
+    case 'u':
+      if (arg.kind != SqlArg::Kind::kInteger) return false;
+      printf_spec += "lld";
+      std::snprintf(piece, sizeof piece, printf_spec.c_str(), arg.integer);
+      out += piece;
+      return true;
+    case 'f':
+      if (arg.kind != SqlArg::Kind::kReal) return false;
+      printf_spec += 'f';
+      {
+        int n = std::snprintf(nullptr, 0, printf_spec.c_str(), arg.real);
+        std::string formatted(static_cast<std::size_t>(n) + 1, '\0');
+        std::snprintf(formatted.data(), formatted.size(), printf_spec.c_str(), arg.real);
+        formatted.resize(static_cast<std::size_t>(n));
+        out += formatted;
+      }
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+bool FormatSql(std::string& out, std::string& error, const char* statement,
+               std::initializer_list<SqlArg> args) {
+  out.clear();
+  error.clear();
+  const SqlArg* next = args.begin();
+  bool in_literal = false;  // inside a single-quoted literal of the statement text
+  int number = 0;
+  for (const char* p = statement; *p != '\0'; ++p) {
+    if (*p != '%') {
+      if (*p == '\'') in_literal = !in_literal;
+      out.push_back(*p);
+      continue;
+    }
+    if (p[1] == '%') {
+      out.push_back('%');
+      ++p;
+      continue;
+    }
+    const char* start = p++;
+    while (*p != '\0' && std::strchr("sdcfiu", *p) == nullptr) ++p;
+    if (*p == '\0') {
+      error = "Malformed conversion in statement";
+      return false;
+    }
+    ++number;
+    if (next == args.end()) {
+      error = "Missing value for conversion " + std::to_string(number);
+      return false;
+    }
+    std::size_t before = out.size();
+    if (!FormatOne(out, std::string_view(start, static_cast<std::size_t>(p - start + 1)), *next)) {
+      error = "Value " + std::to_string(number) + " does not match its conversion";
+      return false;
+    }
+    if (in_literal && !IsSafeLiteral(std::string_view(out).substr(before))) {
+      error = "Value " + std::to_string(number) + " would end its quoted text early: '" +
+              out.substr(before) + "'";
+      return false;
+    }
+    ++next;
+  }
+  if (next != args.end()) {
+    error = "More values than conversions in statement";
+    return false;
+  }
+  return true;
+}

@@ -1,0 +1,52 @@
+// Statement formatting for the one database connection.
+//
+// Statements are printf-style texts ("insert into pcv(...) values(%d,'%s',...)")
+// filled into a string that grows as needed, so no value can overrun a
+// buffer. The row operations do not escape the texts they are given (jobs
+// escape free texts first); instead every text that stands inside a quoted
+// literal is checked, and a value that would end its literal early refuses
+// the whole statement, so no input can change what a statement does.
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "util/text.h"
+
+// One value for a conversion of a statement text.
+struct SqlArg {
+  enum class Kind { kText, kInteger, kReal, kChar };
+
+  SqlArg(const char* value) : kind(Kind::kText), text(value != nullptr ? value : "") {}
+  SqlArg(const std::string& value) : kind(Kind::kText), text(value) {}
+  SqlArg(std::string_view value) : kind(Kind::kText), text(value) {}
+  template <std::size_t N>
+  SqlArg(const Text<N>& value) : kind(Kind::kText), text(value.view()) {}
+  SqlArg(char value) : kind(Kind::kChar), character(value) {}
+  SqlArg(double value) : kind(Kind::kReal), real(value) {}
+  SqlArg(float value) : kind(Kind::kReal), real(value) {}
+  template <typename T, typename = std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, char>>>
+  SqlArg(T value) : kind(Kind::kInteger), integer(static_cast<long long>(value)) {}
+
+  Kind kind;
+  std::string_view text;
+  long long integer = 0;
+  double real = 0;
+  char character = 0;
+};
+
+// Fills `statement`, which uses %s, %c, %d, %I64d (a signed 64-bit decimal),
+// %f and %.Nf, and %% for a literal percent sign. A one-character value that
+// is the zero character is written as nothing, so '%c' stays a whole (empty)
+// literal. Returns true with the text in `out`; false with the reason in
+// `error` when a text inside a quoted literal would end it early, or when the
+// values do not match the conversions.
+bool FormatSql(std::string& out, std::string& error, const char* statement,
+               std::initializer_list<SqlArg> args);
+
+// True when `value` can stand between single quotes without ending the
+// literal: every quote is escaped (\' or '') and no backslash is left dangling.
+bool IsSafeLiteral(std::string_view value);

@@ -1,0 +1,87 @@
+#include "util/dates.h"
+
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+
+#include "util/strings.h"
+
+namespace {
+
+// Dates are read from a private copy of at most 127 characters.
+constexpr std::size_t kWorkingSize = 128;
+
+void CopyWorking(const char* text, char (&work)[kWorkingSize]) {
+  std::snprintf(work, sizeof work, "%s", text);
+}
+
+}  // namespace
+
+int ParseSlashDate(const char* text, char* out, std::size_t out_size) {
+  char work[kWorkingSize];
+  CopyWorking(text, work);
+  char* first = std::strchr(work, '/');
+  if (first == nullptr) return 1;
+  char* second = std::strchr(first + 1, '/');
+  if (second == nullptr) return 1;
+
+  int a = ToInt(work);
+  int b = ToInt(first + 1);
+  int year = ToInt(second + 1);
+  if (year < 100) {
+    year += 2000;
+  } else if (year < 1950 || year > 2016) {
+    return 1;
+  }
+  int month = a;
+  int day = b;
+  if (a > 12) {
+    month = b;
+    day = a;
+  }
+  std::snprintf(out, out_size, "%.4d-%.2d-%.2d", year, month, day);
+  return 0;
+}
+
+int ParseExportDate(char* text, char* out, std::size_t out_size) {
+  char work[kWorkingSize];
+  CopyWorking(text, work);
+  if (char* t = std::strchr(text, 'T')) {
+    *t = '\0';
+    std::snprintf(out, out_size, "%s", text);
+    return 0;
+  }
+  work[std::strcspn(work, " ")] = '\0';
+  work[std::strcspn(work, ",")] = '\0';
+
+  const char* separators = std::strchr(work, '/') != nullptr ? "/" : "-";
+  char* parts[3];
+  int count = 0;
+  char* save = nullptr;
+  for (char* part = strtok_r(work, separators, &save); part != nullptr && count < 3;
+       part = strtok_r(nullptr, separators, &save)) {
+    parts[count++] = part;
+  }
+  if (count < 3) return -1;
+
+  int month = ToInt(parts[0]);
+  int day = ToInt(parts[1]);
+  int year = ToInt(parts[2]);
+  if (year <= 14) {
+    year += 2000;
+  } else if (year <= 99) {
+    year += 1900;
+  }
+  std::snprintf(out, out_size, "%d-%.2d-%.2d", year, month, day);
+  return 0;
+}
+
+const char* NowTimestamp() {
+  static char stamp[80];  // room for any value the fields can hold
+  std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  std::snprintf(stamp, sizeof stamp, "%.4d-%.2d-%.2d %.2d:%.2d:%.2d", local.tm_year + 1900,
+                local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
+  return stamp;
+}

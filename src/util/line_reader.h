@@ -1,0 +1,36 @@
+// Reads the lines of a text file exported on Windows, the way that system's
+// text mode reads them: CR LF comes back as LF, a Ctrl-Z ends the file, every
+// other byte (latin1 included) passes unchanged.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <string>
+
+class LineReader {
+ public:
+  // Opens `path` for reading; is_open() tells whether that worked. A line is
+  // returned in pieces of at most `max_chars` characters, as a fixed read
+  // buffer would deliver it.
+  LineReader(const char* path, std::size_t max_chars);
+  ~LineReader();
+  LineReader(const LineReader&) = delete;
+  LineReader& operator=(const LineReader&) = delete;
+
+  bool is_open() const { return file_ != nullptr; }
+
+  // Reads the next line (or the next piece of an over-long line) into `line`,
+  // its line feed included when one ended it. Returns false at end of file.
+  bool ReadLine(std::string& line);
+
+  // True when the last ReadLine stopped at the length limit, not at a line end.
+  bool last_was_cut() const { return last_was_cut_; }
+
+ private:
+  int NextByte();
+
+  std::FILE* file_;
+  const std::size_t max_chars_;
+  bool at_end_ = false;
+  bool last_was_cut_ = false;
+};

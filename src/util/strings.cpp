@@ -1,0 +1,66 @@
+#include "util/strings.h"
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <strings.h>
+
+namespace {
+
+bool IsClassicSpace(unsigned char c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
+
+}  // namespace
+
+void DropLeadingSpace(char* text) {
+  if (text[0] == ' ') std::memmove(text, text + 1, std::strlen(text));
+}
+
+void TrimLeft(char* text) {
+  std::size_t skip = std::strspn(text, " \t\r\n");
+  if (skip > 0) std::memmove(text, text + skip, std::strlen(text + skip) + 1);
+}
+
+void TrimRight(char* text) {
+  std::size_t n = std::strlen(text);
+  while (n > 0 && IsClassicSpace(static_cast<unsigned char>(text[n - 1]))) --n;
+  text[n] = '\0';
+}
+
+void StripQuotes(const char* source, char* target, std::size_t target_size) {
+  if (target_size == 0) return;
+  if (source[0] == '"') ++source;
+  std::size_t n = std::strlen(source);
+  if (n >= target_size) n = target_size - 1;
+  std::memmove(target, source, n);
+  target[n] = '\0';
+  if (char* quote = std::strchr(target, '"')) *quote = '\0';
+}
+
+bool WrapLongLines(char* text, int width) {
+  bool changed = false;
+  int column = 0;
+  for (char* p = text; *p != '\0'; ++p) {
+    if (*p == '\n') {
+      column = 0;
+      continue;
+    }
+    ++column;
+    if (column > width && (*p == ' ' || *p == '\t')) {
+      *p = '\n';
+      column = 0;
+      changed = true;
+    }
+  }
+  return changed;
+}
+
+bool EqualsNoCase(const char* a, const char* b) { return strcasecmp(a, b) == 0; }
+
+int ToInt(const char* text) {
+  long long value = std::strtoll(text, nullptr, 10);
+  if (value > INT_MAX) return INT_MAX;
+  if (value < INT_MIN) return INT_MIN;
+  return static_cast<int>(value);
+}

@@ -1,0 +1,40 @@
+// In-place text operations applied to fields taken from source lines and XML
+// texts before they are stored. None of them allocates; all work on bytes, so
+// latin1 text passes through untouched (bytes above 127 are never white space).
+#pragma once
+
+#include <cstddef>
+
+#include "util/text.h"
+
+// Removes one leading blank (0x20) if there is one; a tab or anything else stays.
+void DropLeadingSpace(char* text);
+
+// Removes leading blanks, tabs, carriage returns and line feeds (only these four).
+void TrimLeft(char* text);
+
+// Removes every trailing white-space character (blank, \t, \n, \v, \f, \r).
+void TrimRight(char* text);
+
+// Copies `source` into `target` (at most target_size - 1 bytes) without its
+// leading double quote, then ends the target at its first remaining double
+// quote. Source and target may be the same buffer.
+void StripQuotes(const char* source, char* target, std::size_t target_size);
+
+template <std::size_t N>
+void StripQuotes(const char* source, Text<N>& target) {
+  StripQuotes(source, target.data(), N);
+}
+
+// Breaks lines longer than `width` by turning the first blank or tab past that
+// column into a line feed; existing line feeds restart the count. Returns true
+// when at least one character was replaced.
+bool WrapLongLines(char* text, int width);
+
+// True when `a` and `b` are equal ignoring ASCII letter case.
+bool EqualsNoCase(const char* a, const char* b);
+
+// The standard atoi/atol reading (leading white space, optional sign, digits up
+// to the first other character, 0 when there are none), without atoi's
+// undefined behaviour on overflow: out-of-range values clamp to the int range.
+int ToInt(const char* text);

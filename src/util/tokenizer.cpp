@@ -1,0 +1,60 @@
+#include "util/tokenizer.h"
+
+#include <cstdio>
+#include <cstring>
+
+char* Tokenizer::Next(const char* separators) {
+  std::size_t start = buffer_.find_first_not_of(separators, position_);
+  if (start == std::string::npos || start >= buffer_.size()) {
+    position_ = buffer_.size();
+    return nullptr;
+  }
+  std::size_t end = buffer_.find_first_of(separators, start);
+  if (end == std::string::npos) {
+    position_ = buffer_.size();
+  } else {
+    buffer_[end] = '\0';
+    position_ = end + 1;
+  }
+  return buffer_.data() + start;
+}
+
+char* Tokenizer::NextField(const char* separators) {
+  if (ended_) return nullptr;
+  std::size_t start = position_;
+  std::size_t end = buffer_.find_first_of(separators, start);
+  if (end == std::string::npos) {
+    ended_ = true;
+    position_ = buffer_.size();
+  } else {
+    buffer_[end] = '\0';
+    position_ = end + 1;
+  }
+  return buffer_.data() + start;
+}
+
+char* Tokenizer::Rest() {
+  if (position_ >= buffer_.size()) return nullptr;
+  char* rest = buffer_.data() + position_;
+  position_ = buffer_.size();
+  return rest;
+}
+
+int TakeFields(Tokenizer& tokenizer, char** fields, int count, const char* separators,
+               const char* last_separators) {
+  int found = 0;
+  for (int i = 0; i < count; ++i) fields[i] = nullptr;
+  for (int i = 0; i < count; ++i) {
+    fields[i] = tokenizer.Next(i == count - 1 ? last_separators : separators);
+    if (fields[i] == nullptr) break;
+    ++found;
+  }
+  return found;
+}
+
+bool HasFields(int found, int needed, const char* identity) {
+  if (found >= needed) return true;
+  std::printf("\tERROR - only %d of %d fields for '%s', line skipped\n", found, needed,
+              identity != nullptr ? identity : "");
+  return false;
+}

@@ -1,0 +1,44 @@
+// Cuts a source line into fields. The exports use two rules, and a job may
+// change the separators from one field to the next (the last field of a line
+// often also ends at CR or LF):
+//   Next()      - a run of separators counts as one, so an empty cell vanishes
+//                 and the later fields move forward (the classic tokenizer);
+//   NextField() - every separator ends a field, so empty cells stay.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+class Tokenizer {
+ public:
+  // Works on its own copy of `line`; the returned fields live as long as the
+  // tokenizer and may be changed in place (trimmed, quotes stripped).
+  explicit Tokenizer(std::string_view line) : buffer_(line), position_(0) {}
+
+  // Skips leading separators and returns the field up to the next separator
+  // (which is consumed), or nullptr when only separators are left.
+  char* Next(const char* separators);
+
+  // Returns the field up to the next separator, empty when a separator stands
+  // right here, or nullptr at the end of the line.
+  char* NextField(const char* separators);
+
+  // Everything not yet taken, or nullptr when nothing is left.
+  char* Rest();
+
+ private:
+  std::string buffer_;
+  std::size_t position_;  // first byte not yet handed out
+  bool ended_ = false;    // NextField has handed out the last field
+};
+
+// Takes up to `count` fields with Next(): all but the last end at any byte of
+// `separators`, the last at any byte of `last_separators`. Returns how many
+// fields were there; the missing ones are left null.
+int TakeFields(Tokenizer& tokenizer, char** fields, int count, const char* separators,
+               const char* last_separators);
+
+// The one "line has too few fields" check: when `found` is below `needed`,
+// prints "\tERROR - only %d of %d fields for '%s', line skipped\n" with the
+// line's identity (case number, contact) and returns false.
+bool HasFields(int found, int needed, const char* identity);

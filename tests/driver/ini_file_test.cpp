@@ -1,0 +1,71 @@
+#include "driver/ini_file.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/test_database.h"
+
+namespace {
+
+std::string Get(IniFile& ini, const char* section, const char* key) {
+  Text<128> out{};
+  ini.IniGetString(section, key, "<default>", out);
+  return out.c_str();
+}
+
+TEST(IniFileTest, MissingFileIsCreatedAndGivesDefaults) {
+  std::string path = MakeTempDir() + "/CorvanaDataImporter.ini";
+  IniFile ini(path.c_str());
+  EXPECT_EQ(Get(ini, "MYSQL", "Server"), "<default>");
+  EXPECT_EQ(ini.IniGetInt("MYSQL", "Port", 3306), 3306);
+  EXPECT_EQ(ReadFile(path), "\n");
+}
+
+TEST(IniFileTest, ReadingRules) {
+  std::string path = MakeTempDir() + "/test.ini";
+  WriteFile(path,
+            "Server=outside\r\n"
+            "[ MYSQL ] trailing words\r\n"
+            "Port = 3307 \r\n"
+            "Server = db.example=primary ; not a comment\r\n"
+            "Server = second\r\n"
+            "; Database=commented\r\n"
+            "no equals sign here\r\n"
+            "[mysql]\r\n"
+            "Username=lower\r\n"
+            "[BROKEN\r\n"
+            "Password=still lower section\r\n"
+            "[MYSQL]\r\n"
+            "Database=\"quoted\"\r\n"
+            "Number=3307x\r\n"
+            "Letters=abc\r\n"
+            "server=lowercase key\r\n");
+  IniFile ini(path.c_str());
+  EXPECT_EQ(Get(ini, "MYSQL", "Server"), "db.example=primary ; not a comment");
+  EXPECT_EQ(Get(ini, "", "Server"), "outside");
+  EXPECT_EQ(ini.IniGetInt("MYSQL", "Port", 1), 3307);
+  EXPECT_EQ(ini.IniGetInt("MYSQL", "Number", 1), 3307);
+  EXPECT_EQ(ini.IniGetInt("MYSQL", "Letters", 1), 0);
+  EXPECT_EQ(Get(ini, "MYSQL", "Username"), "<default>");
+  EXPECT_EQ(Get(ini, "mysql", "Username"), "lower");
+  EXPECT_EQ(Get(ini, "mysql", "Password"), "still lower section");
+  EXPECT_EQ(Get(ini, "MYSQL", "Database"), "\"quoted\"");
+  EXPECT_EQ(Get(ini, "MYSQL", "server"), "lowercase key");
+}
+
+TEST(IniFileTest, LongLinesAreReadInPiecesAndValuesCut) {
+  std::string path = MakeTempDir() + "/long.ini";
+  std::string long_value(300, 'v');
+  WriteFile(path, "[MYSQL]\nServer=" + long_value + "\nPassword=" + std::string(250, 'p') + "=x\n");
+  IniFile ini(path.c_str());
+  // The first 255 characters form a line; its value is cut to the field's 127.
+  EXPECT_EQ(Get(ini, "MYSQL", "Server"), std::string(127, 'v'));
+  Text<32> password{};
+  ini.IniGetString("MYSQL", "Password", "", password);
+  EXPECT_EQ(password, std::string(31, 'p'));
+  // The rest of the 257-character line is a line of its own, without '='.
+  EXPECT_EQ(Get(ini, "MYSQL", "x"), "<default>");
+}
+
+}  // namespace

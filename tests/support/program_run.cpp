@@ -1,0 +1,54 @@
+#include "support/program_run.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+
+#include "support/test_database.h"
+
+namespace {
+
+std::string Quote(const std::string& word) {
+  std::string quoted = "'";
+  for (char c : word) {
+    if (c == '\'') quoted += "'\\''";
+    else quoted += c;
+  }
+  return quoted + "'";
+}
+
+}  // namespace
+
+ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& args) {
+  std::string command = "cd " + Quote(dir) + " && " + Quote(CORVANA_BINARY);
+  for (const std::string& arg : args) command += " " + Quote(arg);
+  ProgramRun run{-1, ""};
+  std::FILE* pipe = popen(command.c_str(), "r");
+  if (pipe == nullptr) return run;
+  char buffer[4096];
+  std::size_t n;
+  while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) run.output.append(buffer, n);
+  int status = pclose(pipe);
+  run.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return run;
+}
+
+void CopySamples(const std::string& source_dir, const std::string& dir) {
+  namespace fs = std::filesystem;
+  for (const auto& entry : fs::directory_iterator(fs::path(CORVANA_SOURCE_DIR) / source_dir)) {
+    fs::copy(entry.path(), fs::path(dir) / entry.path().filename(), fs::copy_options::recursive);
+  }
+}
+
+void ExpectMatchesFile(const std::string& actual, const std::string& path) {
+  std::string full = std::string(CORVANA_SOURCE_DIR) + "/tests/" + path;
+  const char* update = std::getenv("CORVANA_UPDATE_EXPECTED");
+  if (update != nullptr && std::string(update) == "1") {
+    WriteFile(full, actual);
+    return;
+  }
+  EXPECT_EQ(actual, ReadFile(full)) << "differs from " << full;
+}

@@ -1,0 +1,23 @@
+// Runs the built CorvanaDataImporter the way an operator does, and compares
+// what it printed and wrote with the expected files kept beside the tests.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct ProgramRun {
+  int exit_code;
+  std::string output;  // standard output, byte for byte
+};
+
+// Runs the program in `dir` (its current directory) with `args`.
+ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& args);
+
+// Copies the files of `source_dir` (a samples/<org> folder, relative to the
+// repository) into `dir`.
+void CopySamples(const std::string& source_dir, const std::string& dir);
+
+// Compares `actual` with the expected file `path` (relative to tests/). With
+// CORVANA_UPDATE_EXPECTED=1 in the environment the file is rewritten instead,
+// for a developer to review in the diff.
+void ExpectMatchesFile(const std::string& actual, const std::string& path);

@@ -1,0 +1,54 @@
+// Test access to the local MariaDB started by scripts/db.sh: a fresh database
+// per test, loaded from db/schema.sql, with the program's connection open on
+// it, and a second connection the test uses to seed and inspect rows.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <mysql.h>
+
+#include <string>
+#include <vector>
+
+// Where the test server listens: CORVANA_DB_HOST, CORVANA_DB_PORT,
+// CORVANA_DB_USER, CORVANA_DB_PASSWORD, defaulting to scripts/db.sh's values.
+struct TestServer {
+  std::string host;
+  int port;
+  std::string user;
+  std::string password;
+  static TestServer FromEnvironment();
+};
+
+class DatabaseTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // Runs statements (several may be separated by ';') on the inspection
+  // connection; fails the test when the server refuses them.
+  void Exec(const std::string& sql);
+
+  // The rows of a query, each as its columns joined by '|' (NULL for null).
+  std::vector<std::string> Rows(const std::string& sql);
+
+  // The first column of the first row, or "" when there is none.
+  std::string Value(const std::string& sql);
+
+  // The whole content of the named tables, one "table: columns" line per row
+  // in id order, with the given column list for each table.
+  std::string Dump(const std::vector<std::pair<std::string, std::string>>& tables);
+
+  // Writes a CorvanaDataImporter.ini for this database into `dir`.
+  void WriteIni(const std::string& dir);
+
+  TestServer server_;
+  std::string database_;
+  MYSQL* inspector_ = nullptr;
+};
+
+// Reads a whole file ("" when it is missing).
+std::string ReadFile(const std::string& path);
+void WriteFile(const std::string& path, const std::string& content);
+
+// A fresh empty directory under the system's temporary directory.
+std::string MakeTempDir();

@@ -1,0 +1,66 @@
+#include "util/tokenizer.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/test_database.h"
+#include "util/line_reader.h"
+
+namespace {
+
+std::vector<std::string> All(Tokenizer& tokenizer, bool keep_empty, const char* separators) {
+  std::vector<std::string> fields;
+  while (char* field = keep_empty ? tokenizer.NextField(separators) : tokenizer.Next(separators)) {
+    fields.push_back(field);
+  }
+  return fields;
+}
+
+TEST(TokenizerTest, BothSeparatorRules) {
+  Tokenizer runs("\ta\t\tb\tc\n");
+  EXPECT_EQ(All(runs, false, "\t\n"), (std::vector<std::string>{"a", "b", "c"}));
+  Tokenizer every("\ta\t\tb\tc");
+  EXPECT_EQ(All(every, true, "\t"), (std::vector<std::string>{"", "a", "", "b", "c"}));
+  Tokenizer only_separators("\t\t\n");
+  EXPECT_EQ(only_separators.Next("\t\n"), nullptr);
+}
+
+TEST(TokenizerTest, TakeFieldsCountsWhatIsThere) {
+  Tokenizer tokenizer("one\ttwo\tthree words\r\n");
+  char* fields[4];
+  EXPECT_EQ(TakeFields(tokenizer, fields, 4, "\t", "\t\r\n"), 3);
+  EXPECT_STREQ(fields[2], "three words\r\n");  // not the last field, so it keeps its line end
+  EXPECT_EQ(fields[3], nullptr);
+
+  Tokenizer last("a\tb c\r\n");
+  char* two[2];
+  EXPECT_EQ(TakeFields(last, two, 2, "\t", "\t\r\n"), 2);
+  EXPECT_STREQ(two[1], "b c");
+}
+
+TEST(TokenizerTest, HasFieldsReportsShortLines) {
+  testing::internal::CaptureStdout();
+  EXPECT_TRUE(HasFields(14, 14, "12345"));
+  EXPECT_FALSE(HasFields(9, 14, "12345"));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "\tERROR - only 9 of 14 fields for '12345', line skipped\n");
+}
+
+TEST(LineReaderTest, ReadsWindowsTextMode) {
+  std::string dir = MakeTempDir();
+  std::string path = dir + "/lines.txt";
+  WriteFile(path, "first\r\nsecond\rstill\r\n\xe9t\xe9\n0123456789ABC\nlast\x1aignored");
+  LineReader reader(path.c_str(), 10);
+  ASSERT_TRUE(reader.is_open());
+  std::vector<std::string> lines;
+  std::string line;
+  while (reader.ReadLine(line)) lines.push_back(line);
+  EXPECT_EQ(lines, (std::vector<std::string>{"first\n", "second\rsti", "ll\n", "\xe9t\xe9\n", "0123456789",
+                                             "ABC\n", "last"}));
+  LineReader missing((dir + "/none.txt").c_str(), 10);
+  EXPECT_FALSE(missing.is_open());
+  EXPECT_FALSE(missing.ReadLine(line));
+}
+
+}  // namespace
