@@ -3,7 +3,16 @@
 #include <cstring>
 
 #include "driver/command_line.h"
+#include "jobs/dswc/dswc_address_book.h"
+#include "jobs/dswc/dswc_admissions.h"
+#include "jobs/dswc/dswc_species.h"
+#include "jobs/glfh/glfh_import.h"
 #include "jobs/kwrc/kwrc_import.h"
+#include "jobs/repairs/cbc_pcv_repair.h"
+#include "jobs/repairs/enrichment_repair.h"
+#include "jobs/repairs/line_length_repair.h"
+#include "jobs/repairs/transfer_repairs.h"
+#include "jobs/uprc/uprc_import.h"
 #include "util/strings.h"
 
 namespace {
@@ -30,6 +39,17 @@ constexpr const char* kOrganisations[] = {"HWC",  "KWRC",     "CSAQ_FF", "DsWC",
 constexpr JobRow kJobs[] = {
     {"HWC", nullptr, TypeMatch::kAny, nullptr},  // nothing to import for this site
     {"KWRC", nullptr, TypeMatch::kAny, [] { ImportKwrcYear(); }},
+    {"DsWC", "patient", TypeMatch::kExact, [] { ImportDswcAdmissions(); }},
+    {"DsWC", "species", TypeMatch::kExact, [] { ImportDswcSpecies(); }},
+    {"DsWC", "address_book", TypeMatch::kExact, [] { ImportDswcAddressBook(); }},
+    {"GLFH", "patient", TypeMatch::kExact, [] { ImportGlfhPatients(); }},
+    {"UPRC", "patient", TypeMatch::kExact, [] { ImportUprcPatients(); }},
+    {nullptr, "fixTransfers", TypeMatch::kRepair, [] { fixTransfers(); }},
+    {nullptr, "fix180DayReports", TypeMatch::kRepair, [] { fix180DayReports(); }},
+    {nullptr, "fixLineLengths", TypeMatch::kRepair, [] { fixLineLengths(false); }},
+    {nullptr, "fixLineLengthsTest", TypeMatch::kRepair, [] { fixLineLengths(true); }},
+    {nullptr, "fixEnrichmentRecords", TypeMatch::kRepair, [] { fixEnrichmentRecords(); }},
+    {nullptr, "fix_CBC_PCV_Records", TypeMatch::kRepair, [] { fix_CBC_PCV_Records(); }},
 };
 
 bool IsOrganisation(const char* org_code) {

@@ -1,0 +1,4 @@
+// DsWC address book import (being written).
+#pragma once
+
+int ImportDswcAddressBook();

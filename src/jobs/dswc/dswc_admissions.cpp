@@ -1,0 +1,3 @@
+#include "jobs/dswc/dswc_admissions.h"
+
+int ImportDswcAdmissions() { return 0; }

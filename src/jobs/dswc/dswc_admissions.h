@@ -1,0 +1,4 @@
+// DsWC yearly admissions import (being written).
+#pragma once
+
+int ImportDswcAdmissions();

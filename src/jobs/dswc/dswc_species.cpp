@@ -1,0 +1,3 @@
+#include "jobs/dswc/dswc_species.h"
+
+int ImportDswcSpecies() { return 0; }

@@ -1,0 +1,4 @@
+// DsWC species list import (being written).
+#pragma once
+
+int ImportDswcSpecies();

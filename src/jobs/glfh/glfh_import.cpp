@@ -1,0 +1,3 @@
+#include "jobs/glfh/glfh_import.h"
+
+int ImportGlfhPatients() { return 0; }

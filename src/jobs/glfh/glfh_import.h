@@ -1,0 +1,4 @@
+// GLFH patient register import (being written).
+#pragma once
+
+int ImportGlfhPatients();

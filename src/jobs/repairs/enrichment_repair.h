@@ -1,0 +1,4 @@
+// Enrichment record repair (being written).
+#pragma once
+
+int fixEnrichmentRecords();

@@ -1,0 +1,4 @@
+// Note line-length repair (being written).
+#pragma once
+
+int fixLineLengths(bool test);

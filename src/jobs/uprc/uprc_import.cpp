@@ -1,0 +1,3 @@
+#include "jobs/uprc/uprc_import.h"
+
+int ImportUprcPatients() { return 0; }

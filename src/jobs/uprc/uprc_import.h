@@ -1,0 +1,4 @@
+// UPRC yearly patient log import (being written).
+#pragma once
+
+int ImportUprcPatients();
