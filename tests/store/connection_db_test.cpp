@@ -1,0 +1,75 @@
+#include "store/connection.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "store/patient_store.h"
+#include "support/test_database.h"
+
+namespace {
+
+using ConnectionTest = DatabaseTest;
+
+TEST_F(ConnectionTest, ConnectFailures) {
+  CloseDatabase();
+  EXPECT_EQ(ConnectDatabase(server_.host.c_str(), database_.c_str(), server_.user.c_str(),
+                            server_.password.c_str(), 1),
+            1);  // nothing listens on port 1
+  EXPECT_EQ(ConnectDatabase(server_.host.c_str(), "no_such_database", server_.user.c_str(),
+                            server_.password.c_str(), server_.port),
+            1);
+  EXPECT_EQ(ConnectDatabase(server_.host.c_str(), database_.c_str(), server_.user.c_str(), "wrong password",
+                            server_.port),
+            1);
+  EXPECT_EQ(ConnectDatabase(server_.host.c_str(), database_.c_str(), server_.user.c_str(),
+                            server_.password.c_str(), server_.port),
+            0);
+}
+
+TEST_F(ConnectionTest, EscapeSql) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"", ""},
+      {"O'Neil", "O\\'Neil"},
+      {"C:\\exports", "C:\\\\exports"},
+      {"two\nlines \"quoted\"\r", "two\\nlines \\\"quoted\\\"\\r"},
+  };
+  for (const auto& [input, expected] : cases) {
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%s", input);
+    EXPECT_STREQ(EscapeSql(buffer), expected);
+    EXPECT_EQ(EscapeSqlText(input), expected);
+  }
+  // Escaping into a field that is too small never keeps half an escape.
+  Text<6> field{};
+  field = "abcd'";
+  EscapeSql(field);
+  EXPECT_EQ(field, "abcd");
+}
+
+TEST_F(ConnectionTest, AQuotedCaseNumberFailsItsOwnUpdateOnly) {
+  Exec("insert into patient(patient_id,location) values ('2012-0001','Flight pen'),('2012-0002','ICU')");
+  EXPECT_EQ(SetPatientLocation("x' or '1'='1", "Clinic"), 1);
+  EXPECT_NE(std::string(LastDbError()).find("quoted text early"), std::string::npos) << LastDbError();
+  EXPECT_EQ(Rows("select location from patient order by id"), (std::vector<std::string>{"Flight pen", "ICU"}));
+
+  // A server error is reported in the server's words.
+  EXPECT_NE(ExecuteSql("update no_such_table set a=1;", {}), 0);
+  EXPECT_NE(std::string(LastDbError()).find("no_such_table"), std::string::npos) << LastDbError();
+}
+
+TEST_F(ConnectionTest, QueryResults) {
+  Exec("insert into settings(category,value) values ('a','1'),('b',NULL)");
+  SqlResult result = QuerySql("select category,value from settings order by category;", {});
+  ASSERT_TRUE(result);
+  MYSQL_ROW first = result.NextRow();
+  ASSERT_NE(first, nullptr);
+  EXPECT_STREQ(first[0], "a");
+  MYSQL_ROW second = result.NextRow();
+  ASSERT_NE(second, nullptr);
+  EXPECT_EQ(second[1], nullptr);
+  EXPECT_EQ(result.NextRow(), nullptr);
+  EXPECT_FALSE(QuerySql("select nonsense from nowhere;", {}));
+}
+
+}  // namespace

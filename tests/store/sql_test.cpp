@@ -1,0 +1,56 @@
+#include "store/sql.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+std::string Format(const char* statement, std::initializer_list<SqlArg> args, bool expect_ok = true) {
+  std::string out;
+  std::string error;
+  bool ok = FormatSql(out, error, statement, args);
+  EXPECT_EQ(ok, expect_ok) << statement << ": " << error;
+  return ok ? out : error;
+}
+
+TEST(SqlFormatTest, Conversions) {
+  Text<8> status{};
+  status = "E24";
+  EXPECT_EQ(Format("values('%s',%d,%I64d,%f,%.1f,%.2f,'%c','%c','%s');",
+                   {status, -7, int64_t{-9223372036854775807} - 1, 2.5f, 0.25, 3.14159, '0', '\0', ""}),
+            "values('E24',-7,-9223372036854775808,2.500000,0.2,3.14,'0','','');");
+  EXPECT_EQ(Format("date_format(date,'%%Y-%%m-%%d') where id = %d;", {12}),
+            "date_format(date,'%Y-%m-%d') where id = 12;");
+  EXPECT_EQ(Format("where name like ' - %%';", {}), "where name like ' - %';");
+}
+
+TEST(SqlFormatTest, RefusesValuesThatWouldEndTheirLiteral) {
+  const char* refused[] = {"x' or '1'='1", "O'Neil", "ends with \\", "'"};
+  for (const char* value : refused) {
+    std::string error = Format("update patient set location='x' where patient_id='%s';", {value}, false);
+    EXPECT_NE(error.find("would end its quoted text early"), std::string::npos) << value;
+  }
+  EXPECT_EQ(Format("name='%s'", {"O\\'Neil \\\\ back"}), "name='O\\'Neil \\\\ back'");
+  EXPECT_EQ(Format("name='%s'", {"O''Neil"}), "name='O''Neil'");
+  Format("special='%c';", {'\''}, false);
+  // Only values inside a quoted literal are checked.
+  EXPECT_EQ(Format("where id in (%s);", {"1,2"}), "where id in (1,2);");
+}
+
+TEST(SqlFormatTest, RefusesMismatchedValues) {
+  Format("id=%d", {"text"}, false);
+  Format("name='%s'", {12}, false);
+  Format("a=%d,b=%d", {1}, false);
+  Format("a=%d", {1, 2}, false);
+}
+
+TEST(SqlFormatTest, SafeLiteralRules) {
+  const std::pair<const char*, bool> cases[] = {
+      {"", true},      {"plain", true},   {"a\\'b", true}, {"a''b", true},   {"a\\\\", true},
+      {"a'b", false},  {"a\\", false},    {"'''", false},  {"a\\\\\\", false}, {"\\\\'", false},
+  };
+  for (const auto& [value, safe] : cases) EXPECT_EQ(IsSafeLiteral(value), safe) << value;
+}
+
+}  // namespace
