@@ -26,6 +26,10 @@ int ConnectDatabase(const char* server, const char* database, const char* user,
   mysql_init(&g_connection);
   my_bool reconnect = 1;
   mysql_options(&g_connection, MYSQL_OPT_RECONNECT, &reconnect);
+  // The source files and the Corvana database are latin1, byte for byte. This
+  // client library would otherwise speak utf8mb4 and the server would turn
+  // every byte above 127 into '?'.
+  mysql_options(&g_connection, MYSQL_SET_CHARSET_NAME, "latin1");
   if (mysql_real_connect(&g_connection, server, user, password, nullptr,
                          static_cast<unsigned int>(port), nullptr, 0) == nullptr) {
     return 1;

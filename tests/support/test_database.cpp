@@ -18,6 +18,7 @@ std::string Env(const char* name, const char* fallback) {
 
 MYSQL* Connect(const TestServer& server, const char* database) {
   MYSQL* connection = mysql_init(nullptr);
+  mysql_options(connection, MYSQL_SET_CHARSET_NAME, "latin1");
   if (mysql_real_connect(connection, server.host.c_str(), server.user.c_str(), server.password.c_str(), database,
                          static_cast<unsigned>(server.port), nullptr, CLIENT_MULTI_STATEMENTS) == nullptr) {
     std::string error = mysql_error(connection);

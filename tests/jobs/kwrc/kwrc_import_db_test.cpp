@@ -1,0 +1,84 @@
+#include "jobs/kwrc/kwrc_import.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/program_run.h"
+#include "support/test_database.h"
+
+namespace {
+
+using KwrcImportTest = DatabaseTest;
+
+TEST_F(KwrcImportTest, SampleYear) {
+  std::string dir = MakeTempDir();
+  CopySamples("samples/kwrc", dir);
+  WriteIni(dir);
+  Exec(ReadFile(dir + "/settings.sql"));
+
+  ProgramRun run = RunProgram(dir, {"-org", "KWRC", "-type", "patient", "-year", "2012"});
+  EXPECT_EQ(run.exit_code, 0);
+  std::string connected =
+      "\n\nCorvanaDataImporter version 1.0 connected successfully to '" + server_.host + ":" + database_ + "'\n";
+  ASSERT_EQ(run.output.substr(0, connected.size()), connected);
+  ExpectMatchesFile(run.output.substr(connected.size()), "jobs/kwrc/expected/kwrc_2012.log");
+  ExpectMatchesFile(
+      Dump({{"patient",
+             "patient_id,species,admission_date,final_date,status,band,injury_cause,age,ageIn,sex,flags,"
+             "expected_release_date,found_addr,found_district,found_city,found_state,found_country,found_hx,"
+             "presenter_country"},
+            {"problems", "patient_id,description,resolved,initial_date"},
+            {"record_entry", "patient_id,notes,date,who,weight,keel,location,amountFed,special"},
+            {"releases",
+             "record_entry_id,patient_id,date,how_age,how_sex,band_number,id_type,tracker_type,pub_priv,"
+             "location,city,state,country"},
+            {"transfers", "record_entry_id,patient_id,date,name,reason,country"}}),
+      "jobs/kwrc/expected/kwrc_2012.rows");
+
+  // The rules an operator would check first.
+  EXPECT_EQ(Value("select patient_id from patient where species='AMFA' and admission_date='2012-04-01'"), "120080");
+  EXPECT_EQ(Value("select status from patient where patient_id='012002'"), "E24");
+  EXPECT_EQ(Value("select status from patient where patient_id='012005'"), "E");
+  EXPECT_EQ(Value("select status from patient where patient_id='012004'"), "D24");
+  EXPECT_EQ(Value("select status from patient where patient_id='012011'"), "");
+  EXPECT_EQ(Value("select band_number from releases where patient_id='012010'"), "CN-BJ-2012-0000");
+  EXPECT_EQ(Value("select band from patient where patient_id='012010'"), "CN-BJ-2012-000012345");
+  EXPECT_EQ(Value("select name from transfers"), "\"Beijing Wildlife Rescue Center\"");
+  EXPECT_EQ(Value("select found_hx from patient where patient_id='012019'"), "Found near the Caf\xe9 Zhou");
+  EXPECT_EQ(Value("select count(*) from patient where patient_id in ('012012','012013','012014')"), "0");
+}
+
+TEST_F(KwrcImportTest, SplitKwrcAddress) {
+  struct Case {
+    const char* address;
+    const char* street;
+    const char* city;
+    const char* district;
+    const char* province;
+  };
+  const Case cases[] = {
+      {"Chaoyang Park, Chaoyang District", "Chaoyang Park", "Beijing", "Chaoyang", "Beijing"},
+      {"Wenquan Town, Hebei Province", "Wenquan Town", "", "", "Hebei"},
+      {"KWRC", "KWRC", "", "Haidan", "Beijing"},
+      {"Summer Palace north gate", "Summer Palace north gate", "", "", ""},
+      {"Haidian District", "", "Beijing", "Haidian", "Beijing"},
+      {"Town, Changping District, Hebei Province", "Town", "Beijing", "Changping", "Beijing"},
+      {"Gate, western district", "Gate, western district", "", "", ""},
+  };
+  testing::internal::CaptureStdout();
+  for (const Case& c : cases) {
+    Text<64> street{};
+    Text<32> city{}, district{}, province{}, country{};
+    SplitKwrcAddress(c.address, street, city, district, province, country);
+    EXPECT_EQ(street, c.street) << c.address;
+    EXPECT_EQ(city, c.city) << c.address;
+    EXPECT_EQ(district, c.district) << c.address;
+    EXPECT_EQ(province, c.province) << c.address;
+    EXPECT_EQ(country, "CHINA");
+  }
+  std::string printed = testing::internal::GetCapturedStdout();
+  EXPECT_NE(printed.find("Addr: 'Wenquan Town', District: '', Province: 'Hebei'\n"), std::string::npos);
+}
+
+}  // namespace
