@@ -32,6 +32,8 @@ int ConnectDatabase(const char* server, const char* database, const char* user,
   mysql_options(&g_connection, MYSQL_SET_CHARSET_NAME, "latin1");
   if (mysql_real_connect(&g_connection, server, user, password, nullptr,
                          static_cast<unsigned int>(port), nullptr, 0) == nullptr) {
+    // Frees what the library allocated for the options; the run ends here anyway.
+    mysql_close(&g_connection);
     return 1;
   }
   if (mysql_select_db(&g_connection, database) != 0) {

@@ -17,8 +17,7 @@
 
 // Connects to `server`:`port` as `user` (no default database, reconnecting by
 // itself when the link drops) and selects `database`. Returns 0 when
-// connected, 1 on failure (the connection is closed again when only the
-// database selection failed).
+// connected, 1 on failure (the half-made connection is closed again).
 int ConnectDatabase(const char* server, const char* database, const char* user,
                     const char* password, int port);
 

@@ -33,7 +33,7 @@ struct Text {
   // Copies at most kCapacity bytes; the source may overlap this field.
   Text& Assign(std::string_view value) {
     std::size_t n = value.size() < kCapacity ? value.size() : kCapacity;
-    std::memmove(chars, value.data(), n);
+    if (n > 0) std::memmove(chars, value.data(), n);
     chars[n] = '\0';
     return *this;
   }
