@@ -1,4 +1,74 @@
 #include "jobs/repairs/transfer_repairs.h"
 
-int fixTransfers() { return 0; }
-int fix180DayReports() { return 0; }
+#include <cstdio>
+#include <string_view>
+
+#include "jobs/repairs/repair_columns.h"
+#include "store/connection.h"
+#include "store/patient_store.h"
+#include "store/record_entry_store.h"
+#include "util/dates.h"
+#include "util/text.h"
+
+namespace {
+
+constexpr std::string_view kTransferNamePrefix = " - ";
+
+// The date part of the current local time ("YYYY-MM-DD").
+Text<20> Today() {
+  Text<20> today{};
+  std::string_view stamp = NowTimestamp();
+  today = stamp.substr(0, stamp.find(' '));
+  return today;
+}
+
+}  // namespace
+
+int fixTransfers() {
+  int count = 0;
+  SqlResult result = QuerySql("select id,name from transfers where name like ' - %%';", {});
+  if (result) {
+    while (MYSQL_ROW row = result.NextRow()) {
+      int id = ColumnInt(row[0]);
+      std::string_view name = ColumnText(row[1]);
+      Text<128> new_name{};
+      new_name = name.substr(name.size() < kTransferNamePrefix.size() ? name.size() : kTransferNamePrefix.size());
+      if (ExecuteSql("update transfers set name='%s' where id=%d;", {new_name, id}) != 0) {
+        std::printf("Error updating transfer record %d - '%s'\n", id, new_name.c_str());
+        return 1;
+      }
+      ++count;
+    }
+  }
+  std::printf("Updated %d transfer records\n", count);
+  return 0;
+}
+
+int fix180DayReports() {
+  const Text<20> today = Today();
+  std::printf("Fixing 180 day reports\n");
+  int count = 0;
+  SqlResult result = QuerySql("select id,patient_id from patient where (flags&%I64d)>0;", {kFlagOver180DaysReported});
+  if (result) {
+    while (MYSQL_ROW row = result.NextRow()) {
+      int id = ColumnInt(row[0]);
+      const char* patient_id = ColumnText(row[1]);
+      PatientAttribute attribute{};
+      attribute.name = "Rehab 180 day extension request";
+      attribute.value = "";
+      attribute.date = today;
+      std::printf("Patient id: %s\n", patient_id);
+      if (InsertPatientAttribute(id, attribute) != 0) {
+        std::printf("Error create patient attribute record %d - '%s'\n", id, patient_id);
+        return 1;
+      }
+      if (ClearPatientFlag(patient_id, kFlagOver180DaysReported) != 0) {
+        std::printf("Error create patient attribute record %d - '%s'\n", id, patient_id);
+        return 1;
+      }
+      ++count;
+    }
+  }
+  std::printf("Updated %d patient records\n", count);
+  return 0;
+}
