@@ -21,24 +21,24 @@ namespace {
 // The conversion texts come from the fixed statement texts, never from data.
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 
-// Formats one conversion `spec` ("%.2f", "%d", "%I64d", ...) with `arg`.
-bool FormatOne(std::string& out, std::string_view spec, const SqlArg& arg) {
-  char conversion = spec.back();
+// Formats one `conversion` ("%.2f", "%d", "%I64d", ...) with `arg`.
+bool FormatOne(std::string& out, std::string_view conversion, const SqlArg& arg) {
+  char type = conversion.back();
   // Flags, width and precision; any length modifier (I64, ll, l, h) is
   // dropped because the value's own type decides how it is printed.
-  std::string printf_spec(spec.substr(0, spec.find_first_not_of("%-+ #0123456789.")));
+  std::string printf_format(conversion.substr(0, conversion.find_first_not_of("%-+ #0123456789.")));
   char piece[128];
-  switch (conversion) {
+  switch (type) {
     case 's':
       if (arg.kind != SqlArg::Kind::kText) return false;
-      if (printf_spec == "%") {
+      if (printf_format == "%") {
         out.append(arg.text);
       } else {
         std::string text(arg.text);
-        printf_spec += 's';
-        int n = std::snprintf(nullptr, 0, printf_spec.c_str(), text.c_str());
+        printf_format += 's';
+        int n = std::snprintf(nullptr, 0, printf_format.c_str(), text.c_str());
         std::string formatted(static_cast<std::size_t>(n) + 1, '\0');
-        std::snprintf(formatted.data(), formatted.size(), printf_spec.c_str(), text.c_str());
+        std::snprintf(formatted.data(), formatted.size(), printf_format.c_str(), text.c_str());
         formatted.resize(static_cast<std::size_t>(n));
         out += formatted;
       }
@@ -51,17 +51,17 @@ bool FormatOne(std::string& out, std::string_view spec, const SqlArg& arg) {
     case 'i':
     case 'u':
       if (arg.kind != SqlArg::Kind::kInteger) return false;
-      printf_spec += "lld";
-      std::snprintf(piece, sizeof piece, printf_spec.c_str(), arg.integer);
+      printf_format += "lld";
+      std::snprintf(piece, sizeof piece, printf_format.c_str(), arg.integer);
       out += piece;
       return true;
     case 'f':
       if (arg.kind != SqlArg::Kind::kReal) return false;
-      printf_spec += 'f';
+      printf_format += 'f';
       {
-        int n = std::snprintf(nullptr, 0, printf_spec.c_str(), arg.real);
+        int n = std::snprintf(nullptr, 0, printf_format.c_str(), arg.real);
         std::string formatted(static_cast<std::size_t>(n) + 1, '\0');
-        std::snprintf(formatted.data(), formatted.size(), printf_spec.c_str(), arg.real);
+        std::snprintf(formatted.data(), formatted.size(), printf_format.c_str(), arg.real);
         formatted.resize(static_cast<std::size_t>(n));
         out += formatted;
       }
