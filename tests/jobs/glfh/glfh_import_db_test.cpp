@@ -1,0 +1,63 @@
+#include "jobs/glfh/glfh_import.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "support/program_run.h"
+#include "support/test_database.h"
+
+namespace {
+
+class GlfhImportTest : public DatabaseTest {
+ protected:
+  // Runs the job in `dir` and returns what it printed after the connection
+  // line, which names this test's own database.
+  std::string RunJob(const std::string& dir) {
+    WriteIni(dir);
+    ProgramRun run = RunProgram(dir, {"-org", "GLFH", "-type", "patient", "-year", "2012"});
+    EXPECT_EQ(run.exit_code, 0);
+    std::string connected =
+        "\n\nCorvanaDataImporter version 1.0 connected successfully to '" + server_.host + ":" + database_ + "'\n";
+    EXPECT_EQ(run.output.substr(0, connected.size()), connected);
+    return run.output.substr(std::min(connected.size(), run.output.size()));
+  }
+};
+
+TEST_F(GlfhImportTest, SampleRegister) {
+  std::string dir = MakeTempDir();
+  CopySamples("samples/glfh", dir);
+  ExpectMatchesFile(RunJob(dir), "jobs/glfh/expected/glfh_patients.log");
+  // Line feeds kept from the line ends are shown as <LF>; the import time is left out.
+  ExpectMatchesFile(
+      Dump({{"patient",
+             "patient_id,name,species,status,admission_date,final_date,expected_release_date,away_from_date,"
+             "away_to_date,age,ageIn,sex,flags,microchip,species_group,location,"
+             "presenter_name,replace(presenter_phone1,char(10),'<LF>'),presenter_country,presenter_state,"
+             "presenter_district,presenter_county,presenter_transporter,"
+             "found_name,replace(found_phone1,char(10),'<LF>'),found_country,found_state,found_district,"
+             "found_county"},
+            {"record_entry", "patient_id,replace(notes,char(10),'<LF>'),who,weight,keel,location,amountFed,special"}}),
+      "jobs/glfh/expected/glfh_patients.rows");
+
+  EXPECT_EQ(Rows("select status,species_group,found_name,presenter_name,found_country,presenter_country "
+                 "from patient where patient_id='00007'"),
+            std::vector<std::string>{"COA|avian:raptor|Mubarak Al-Ruwaidi|Mubarak Al-Ruwaidi|Qatar|Qatar"});
+  EXPECT_EQ(Value("select count(*) from patient where microchip='985100000422001'"), "0");  // patient number 0
+  // An owner with an apostrophe: the patient stays without its owner and note.
+  EXPECT_EQ(Rows("select p.found_name, count(r.id) from patient p left join record_entry r on r.patient_id=p.id "
+                 "where p.patient_id='00106' group by p.id"),
+            std::vector<std::string>{"|0"});
+  EXPECT_EQ(Value("select count(*) from record_entry where date < now() - interval 1 day"), "0");
+}
+
+TEST_F(GlfhImportTest, MissingRegister) {
+  EXPECT_EQ(RunJob(MakeTempDir()),
+            "GLFH - patient - 2012\n"
+            "Loading patient data from './GLFH_Patients.txt'\n"
+            "Unable to open './GLFH_Patients.txt'\n");
+  EXPECT_EQ(Value("select count(*) from patient"), "0");
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+#include "jobs/uprc/uprc_import.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "support/program_run.h"
+#include "support/test_database.h"
+
+namespace {
+
+class UprcImportTest : public DatabaseTest {
+ protected:
+  // Runs the job for `year` in `dir` and returns what it printed after the
+  // connection line, which names this test's own database.
+  std::string RunJob(const std::string& dir, const std::string& year) {
+    WriteIni(dir);
+    ProgramRun run = RunProgram(dir, {"-org", "UPRC", "-type", "patient", "-year", year});
+    EXPECT_EQ(run.exit_code, 0);
+    std::string connected =
+        "\n\nCorvanaDataImporter version 1.0 connected successfully to '" + server_.host + ":" + database_ + "'\n";
+    EXPECT_EQ(run.output.substr(0, connected.size()), connected);
+    return run.output.substr(std::min(connected.size(), run.output.size()));
+  }
+};
+
+TEST_F(UprcImportTest, SampleYear) {
+  std::string dir = MakeTempDir();
+  CopySamples("samples/uprc", dir);
+  ExpectMatchesFile(RunJob(dir, "2012"), "jobs/uprc/expected/uprc_2012.log");
+  // The import notes carry the time of the run, so only the dates of the
+  // disposition entries (notes empty) are kept.
+  ExpectMatchesFile(
+      Dump({{"patient",
+             "patient_id,name,species,status,location,flags,admission_date,final_date,expected_release_date,"
+             "away_from_date,away_to_date,age,ageIn,sex,species_group,found_state,found_country,found_district,"
+             "found_county,presenter_state,presenter_country,presenter_district,presenter_county,"
+             "presenter_transporter"},
+            {"problems", "patient_id,description,resolved,initial_date"},
+            {"record_entry",
+             "patient_id,replace(notes,char(10),'<LF>'),if(notes='',date,'<now>'),who,weight,keel,location,"
+             "amountFed,special"},
+            {"transfers", "record_entry_id,patient_id,date,name,addr,city,state,zip,county,permit,reason,country"},
+            {"releases",
+             "record_entry_id,patient_id,date,location,city,state,country,id_type,tracker_type,band_number,"
+             "how_age,how_sex,pub_priv"}}),
+      "jobs/uprc/expected/uprc_2012.rows");
+
+  // The rules an operator would check first.
+  EXPECT_EQ(Rows("select location,city,state from releases where patient_id='12-001'"),
+            std::vector<std::string>{"Arboretum|Auburn|AL"});  // "arboretum" in the log
+  EXPECT_EQ(Rows("select location,city,state from releases where patient_id in ('12-010','12-011') order by id"),
+            (std::vector<std::string>{"Hargrove Farm|Loachapoka|AL", "|Tallassee|AL"}));
+  EXPECT_EQ(Rows("select name,city,state,reason from transfers where patient_id in ('12-002','12-007') order by id"),
+            (std::vector<std::string>{"AWARE|Lithonia|GA|Continued care", "AWARE|Lithonia|GA|E/S"}));
+  EXPECT_EQ(Value("select city from transfers where patient_id='12-018'"), "Jackson's Gap");
+  EXPECT_EQ(Value("select status from patient where patient_id='12-003'"), "E24");
+  EXPECT_EQ(Rows("select description from problems where patient_id=(select id from patient where "
+                 "patient_id='12-003') order by id"),
+            (std::vector<std::string>{"Wing fracture", "Emaciation"}));
+  // Refused lines leave nothing behind; a failed release leaves what came before it.
+  EXPECT_EQ(Value("select count(*) from patient where patient_id in ('12-028','12-029','12-030','12-031')"), "0");
+  EXPECT_EQ(Value("select count(*) from record_entry where patient_id=(select id from patient where "
+                  "patient_id='12-027')"),
+            "2");
+  EXPECT_EQ(Value("select count(*) from record_entry where notes<>'' and date < now() - interval 1 day"), "0");
+}
+
+TEST_F(UprcImportTest, MissingYear) {
+  EXPECT_EQ(RunJob(MakeTempDir(), "2013"),
+            "UPRC - patient - 2013\n"
+            "Loading patient data from './UPRC 2013.txt'\n"
+            "Unable to open './UPRC 2013.txt'\n");
+}
+
+}  // namespace
