@@ -63,8 +63,38 @@ select patient_id, species, admission_date, final_date, status, found_district, 
 SQL
 }
 
-orgs=("${@:-kwrc}")
-[ $# -eq 0 ] && orgs=(kwrc)
+demo_dswc() {
+  prepare dswc
+  run dswc -org DsWC -type species -year 2011
+  run dswc -org DsWC -type patient -year 2011
+  run dswc -org DsWC -type patient -year 2014
+  run dswc -org DsWC -type address_book -year 2011
+  show dswc
+}
+
+demo_glfh() {
+  prepare glfh
+  run glfh -org GLFH -type patient -year 2012
+  show glfh
+}
+
+demo_uprc() {
+  prepare uprc
+  run uprc -org UPRC -type patient -year 2012
+  show uprc
+}
+
+demo_repairs() {
+  prepare repairs
+  scripts/db.sh sql demo_repairs < "$work/repairs/seed.sql"
+  for type in fixTransfers fix180DayReports fixEnrichmentRecords fix_CBC_PCV_Records fixLineLengthsTest fixLineLengths; do
+    run repairs -org REPAIR -type "$type" -year 0
+  done
+  show repairs
+}
+
+orgs=("$@")
+[ $# -eq 0 ] && orgs=(kwrc dswc glfh uprc repairs)
 for org in "${orgs[@]}"; do
   declare -F "demo_$org" >/dev/null || { echo "demo.sh: no demo for '$org'" >&2; exit 1; }
   "demo_$org"
