@@ -1,3 +1,314 @@
 #include "jobs/dswc/dswc_admissions.h"
 
-int ImportDswcAdmissions() { return 0; }
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "driver/command_line.h"
+#include "jobs/dswc/dswc_disposition.h"
+#include "jobs/dswc/dswc_species.h"
+#include "store/connection.h"
+#include "store/disposition_store.h"
+#include "store/record_entry_store.h"
+#include "util/dates.h"
+#include "util/line_reader.h"
+#include "util/strings.h"
+#include "util/tokenizer.h"
+
+namespace {
+
+constexpr std::size_t kMaxLine = 1023;
+constexpr int kHeaderLines = 2;
+// This year's export has a donation column right after the disposition.
+constexpr int kDonationYear = 2014;
+
+// Kept for the whole run, as the species labels are looked up line by line.
+XmlDocument g_species_list;
+
+// The columns of an admission line by meaning; a file without the donation
+// column simply has no kDonation field.
+enum Column {
+  kNumber,
+  kSpecies,
+  kAdmitted,
+  kFirstName,
+  kLastName,
+  kAddress,
+  kCity,
+  kZip,
+  kCrossStreets,
+  kCause,
+  kProblem,
+  kFinalDate,
+  kDisposition,
+  kDonation,
+  kPhone,
+  kBroughtInBy,
+  kAge,
+  kColumnCount
+};
+
+// Species, dates and disposition decide whether and how the animal is
+// stored; the columns after the disposition are optional.
+constexpr int kNeededFields = kDisposition + 1;
+
+struct AdmissionLine {
+  char* field[kColumnCount];  // null when the line does not have the column
+  int found;                  // fields present, counted in file order
+
+  const char* operator[](Column column) const { return field[column]; }
+  char* operator[](Column column) { return field[column]; }
+};
+
+// Cuts a line (without its line end) the way the export was written: a run
+// of tabs is one separator.
+AdmissionLine CutAdmissionLine(Tokenizer& tokenizer, bool with_donation) {
+  char* in_file_order[kColumnCount];
+  const int columns = with_donation ? kColumnCount : kColumnCount - 1;
+  AdmissionLine line{};
+  line.found = TakeFields(tokenizer, in_file_order, columns, "\t", "\t\r\n");
+  for (int i = 0; i < columns; ++i) {
+    int column = !with_donation && i >= kDonation ? i + 1 : i;
+    line.field[column] = in_file_order[i];
+  }
+  return line;
+}
+
+void SetDefaults(PatientRecord& patient, PatientFinderInfo& finder, TransferRecord& transfer) {
+  patient = {};
+  patient.final_date = "0000-00-00";
+  patient.expected_release_date = "0000-00-00";
+  patient.away_from_date = "0000-00-00";
+  patient.away_to_date = "0000-00-00";
+  patient.age = "UNK";
+  patient.ageIn = "UNK";
+  patient.sex = "UNK";
+  patient.status = "Reh";
+
+  finder = {};
+  finder.found_country = "USA";
+  finder.presenter_country = "USA";
+  finder.found_district = "NA";
+  finder.found_county = "NA";
+  finder.presenter_district = "NA";
+  finder.presenter_county = "NA";
+  finder.found_state = "AZ";
+  finder.presenter_state = "AZ";
+  finder.presenter_transporter = " ";
+
+  transfer = {};
+  transfer.name = "NA";
+  transfer.addr = "NA";
+  transfer.city = "NA";
+  transfer.zip = "NA";
+  transfer.county = "NA";
+  transfer.permit = "NA";
+  transfer.state = "AZ";
+  transfer.country = "USA";
+  transfer.reason = "E/S";
+}
+
+// The finder, donation, presenter and age columns.
+void ApplyRemainingColumns(AdmissionLine& line, PatientRecord& patient, PatientFinderInfo& finder) {
+  std::string name = line[kFirstName];
+  if (line[kLastName] != nullptr) {
+    if (!name.empty()) name += ' ';
+    name += line[kLastName];
+  }
+  finder.found_name = name;
+  EscapeSql(finder.found_name);
+  finder.found_addr = line[kAddress];
+  EscapeSql(finder.found_addr);
+  finder.found_city = line[kCity];
+  EscapeSql(finder.found_city);
+  finder.found_zip = line[kZip];
+  finder.found_crossStreets = line[kCrossStreets];
+  EscapeSql(finder.found_crossStreets);
+  patient.injury_cause = line[kCause];
+
+  if (line[kDonation] != nullptr) {
+    if (const char* dollar = std::strchr(line[kDonation], '$')) {
+      finder.donation = static_cast<float>(std::strtod(dollar + 1, nullptr));
+    }
+  }
+  if (line[kPhone] != nullptr) finder.found_phone1 = line[kPhone];
+  if (const char* brought_in_by = line[kBroughtInBy]) {
+    finder.presenter_transporter = EqualsNoCase(brought_in_by, "Brought in") ? "Finder" : brought_in_by;
+    EscapeSql(finder.presenter_transporter);
+  }
+  if (char* age = line[kAge]) {
+    TrimLeft(age);
+    if (age[0] != '\0') {
+      patient.age = age;
+      patient.ageIn = age;
+    }
+  }
+}
+
+// Returns false when the problem could not be stored.
+bool WriteProblem(const char* problem, const PatientRecord& patient) {
+  if (problem == nullptr || problem[0] == '\0') return true;
+  Text<1024> description{};
+  description = problem;
+  EscapeSql(description);
+  if (InsertProblem(patient.id, description.c_str(), 0, "") < 0) {
+    std::printf("\tERROR - Unable to create problem record for patient '%s'!\n", patient.patient_id.c_str());
+    return false;
+  }
+  return true;
+}
+
+// Returns false when the note could not be stored.
+bool WriteImportNote(const PatientRecord& patient, const DswcReason& reason) {
+  Text<512> note{};
+  note.Format("Patient record imported into Corvana\n-------------------------------------\n%s%s",
+              patient.status == "DNA" ? "Did not admit because: " : "",
+              patient.status == "DNA" ? reason.c_str() : "");
+  EscapeSql(note);
+  if (InsertRecordEntry(patient.id, note.c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0') < 0) {
+    std::printf("\tERROR - Unable to create record entry for patient '%s'!\n", patient.patient_id.c_str());
+    return false;
+  }
+  return true;
+}
+
+// The record entry of a release or transfer and its detail row. The detail
+// row is still tried when the entry failed. Returns false on any failure.
+bool WriteDeparture(const PatientRecord& patient, TransferRecord& transfer) {
+  const char* patient_id = patient.patient_id.c_str();
+  bool written = true;
+  int entry_id = InsertRecordEntry(patient.id, "", patient.final_date.c_str(), "NA", 0, 0, "NA", '0');
+  if (entry_id < 0) {
+    std::printf("\tERROR - Unable to create record entry for patient '%s'!\n", patient_id);
+    written = false;
+  }
+  if (patient.status == "T") {
+    transfer.patient_id = patient.patient_id;
+    transfer.date = patient.final_date;
+    if (InsertTransfer(entry_id, transfer) != 0) {
+      std::printf("\tERROR - Unable to create transfer record for patient '%s'!\n", patient_id);
+      written = false;
+    }
+  } else {
+    ReleaseRecord release{};
+    release.patient_id = patient.patient_id;
+    release.date = patient.final_date;
+    release.state = "AZ";
+    release.country = "USA";
+    release.id_type = "None";
+    release.tracker_type = "None";
+    if (InsertRelease(entry_id, release) != 0) {
+      std::printf("\tERROR - Unable to create release record for patient '%s'!\n", patient_id);
+      written = false;
+    }
+  }
+  return written;
+}
+
+// Writes the rows of an accepted admission, stopping at the first failure.
+// Returns true when all of them were stored.
+bool WriteAdmission(const AdmissionLine& line, PatientRecord& patient, const PatientFinderInfo& finder,
+                    const DswcReason& reason, TransferRecord& transfer) {
+  const char* patient_id = patient.patient_id.c_str();
+  if (InsertPatient(patient) != 0) {
+    std::printf("\tERROR - Unable to create patient record for '%s'\n", patient_id);
+    return false;
+  }
+  if (UpdatePatientFinderInfo(patient_id, finder) != 0) {
+    std::printf("\tERROR - Unable to update patient finder info for '%s'\n", patient_id);
+    return false;
+  }
+  if (!WriteProblem(line[kProblem], patient)) return false;
+  if (!WriteImportNote(patient, reason)) return false;
+  if (patient.status == "T" || patient.status == "R") return WriteDeparture(patient, transfer);
+  return true;
+}
+
+// Imports one line that has at least the needed fields. Returns true when
+// the patient and all its rows were stored.
+bool ImportAdmission(AdmissionLine& line, const Text<16>& patient_id) {
+  PatientRecord patient;
+  PatientFinderInfo finder;
+  TransferRecord transfer;
+  DswcReason reason{};
+  SetDefaults(patient, finder, transfer);
+  patient.patient_id = patient_id;
+
+  bool valid = true;
+  if (LookupDswcSpecies(line[kSpecies], patient) != 0) {
+    std::printf("\tERROR - Unable to find species for '%s'\n", line[kSpecies]);
+    valid = false;
+  }
+  if (ParseSlashDate(line[kAdmitted], patient.admission_date) != 0) {
+    std::printf("\tERROR - Invalid admission date '%s' - '%s'\n", line[kAdmitted], patient_id.c_str());
+    valid = false;
+  }
+  if (MapDswcDisposition(line[kDisposition], line[kFinalDate], patient, reason, transfer) != 0) {
+    std::printf("\tERROR - Invalid status '%s' for '%s'\n", line[kDisposition], patient_id.c_str());
+    valid = false;
+  }
+  ApplyRemainingColumns(line, patient, finder);
+  if (patient.status == "PR") {
+    ApplyResidentTable(patient);
+    patient.flags |= kFlagResident;
+  }
+  return valid && WriteAdmission(line, patient, finder, reason, transfer);
+}
+
+}  // namespace
+
+int LookupDswcSpecies(const XmlDocument& species_list, const char* label, PatientRecord& patient) {
+  if (label == nullptr) return 1;
+  for (const XmlNode* element = FirstDswcSpecies(species_list); element != nullptr;
+       element = XmlNextSibling(element)) {
+    const char* element_label = XmlAttributeValue(element, "label");
+    if (element_label == nullptr || !EqualsNoCase(element_label, label)) continue;
+    patient.species = XmlAttributeValue(element, "abbrev");
+    patient.species_group = XmlAttributeValue(element, "speciesGroup");
+    if (const char* age = XmlAttributeValue(element, "age")) {
+      patient.age = age;
+      patient.ageIn = age;
+    }
+    return 0;
+  }
+  return 1;
+}
+
+int LookupDswcSpecies(const char* label, PatientRecord& patient) {
+  return LookupDswcSpecies(g_species_list, label, patient);
+}
+
+int ImportDswcAdmissions() {
+  Text<64> file_name{};
+  file_name.Format("./%dAdmissions.txt", Year);
+  std::printf("Loading patient data from '%s'\n", file_name.c_str());
+  LineReader reader(file_name.c_str(), kMaxLine);
+  if (!reader.is_open()) {
+    std::printf("Unable to open '%s'\n", file_name.c_str());
+    return 1;
+  }
+  if (XmlLoadFile(g_species_list, kDswcSpeciesFile) != 0) {
+    std::printf("Unable to parse species file '%s'\n", kDswcSpeciesFile);
+    return 1;
+  }
+
+  const bool with_donation = Year == kDonationYear;
+  int imported = 0;
+  std::string text;
+  for (int i = 0; i < kHeaderLines; ++i) reader.ReadLine(text);
+  while (reader.ReadLine(text)) {
+    // A line that stops early must not carry its line end into its last field.
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+    Tokenizer tokenizer(text);
+    AdmissionLine line = CutAdmissionLine(tokenizer, with_donation);
+    if (line.found == 0) continue;  // a blank line holds no admission
+    Text<16> patient_id{};
+    // "%.4d" writes what the centre's "%04.4d" does: at least four digits.
+    patient_id.Format("%d-%.4d", Year, ToInt(line[kNumber]));
+    if (!HasFields(line.found, kNeededFields, patient_id.c_str())) continue;
+    if (ImportAdmission(line, patient_id)) ++imported;
+  }
+  std::printf("Imported %d patients\n", imported);
+  return 0;
+}
