@@ -3,6 +3,17 @@
 #include "store/connection.h"
 #include "util/strings.h"
 
+void ResetPatientRecord(PatientRecord& record) {
+  record = {};
+  record.final_date = "0000-00-00";
+  record.expected_release_date = "0000-00-00";
+  record.away_from_date = "0000-00-00";
+  record.away_to_date = "0000-00-00";
+  record.age = "UNK";
+  record.ageIn = "UNK";
+  record.sex = "UNK";
+}
+
 int InsertPatient(PatientRecord& r) {
   if (ExecuteSql(
           "insert into patient(patient_id,name,species,ageIn,age,admission_date,status,sex,flags,location,"

@@ -104,6 +104,11 @@ struct PatientFinderInfo {
   int32_t spillId;
 };
 
+// Clears `record` to zero bytes and sets what every import starts from: no
+// final, expected-release or away dates ("0000-00-00"), and "UNK" age class
+// at admission, current age class and sex.
+void ResetPatientRecord(PatientRecord& record);
+
 // Inserts the row and stores its new key in `record.id`. Returns 0, or 1 on
 // failure (`id` left as it was).
 int InsertPatient(PatientRecord& record);

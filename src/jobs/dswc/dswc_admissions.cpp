@@ -8,6 +8,7 @@
 #include "driver/command_line.h"
 #include "jobs/dswc/dswc_disposition.h"
 #include "jobs/dswc/dswc_species.h"
+#include "jobs/patient_rows.h"
 #include "store/connection.h"
 #include "store/disposition_store.h"
 #include "store/record_entry_store.h"
@@ -76,14 +77,7 @@ AdmissionLine CutAdmissionLine(Tokenizer& tokenizer, bool with_donation) {
 }
 
 void SetDefaults(PatientRecord& patient, PatientFinderInfo& finder, TransferRecord& transfer) {
-  patient = {};
-  patient.final_date = "0000-00-00";
-  patient.expected_release_date = "0000-00-00";
-  patient.away_from_date = "0000-00-00";
-  patient.away_to_date = "0000-00-00";
-  patient.age = "UNK";
-  patient.ageIn = "UNK";
-  patient.sex = "UNK";
+  ResetPatientRecord(patient);
   patient.status = "Reh";
 
   finder = {};
@@ -210,15 +204,7 @@ bool WriteDeparture(const PatientRecord& patient, TransferRecord& transfer) {
 // Returns true when all of them were stored.
 bool WriteAdmission(const AdmissionLine& line, PatientRecord& patient, const PatientFinderInfo& finder,
                     const DswcReason& reason, TransferRecord& transfer) {
-  const char* patient_id = patient.patient_id.c_str();
-  if (InsertPatient(patient) != 0) {
-    std::printf("\tERROR - Unable to create patient record for '%s'\n", patient_id);
-    return false;
-  }
-  if (UpdatePatientFinderInfo(patient_id, finder) != 0) {
-    std::printf("\tERROR - Unable to update patient finder info for '%s'\n", patient_id);
-    return false;
-  }
+  if (!InsertPatientWithFinder(patient, finder)) return false;
   if (!WriteProblem(line[kProblem], patient)) return false;
   if (!WriteImportNote(patient, reason)) return false;
   if (patient.status == "T" || patient.status == "R") return WriteDeparture(patient, transfer);

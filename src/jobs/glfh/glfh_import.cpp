@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string>
 
+#include "jobs/patient_rows.h"
 #include "store/connection.h"
 #include "store/record_entry_store.h"
 #include "util/dates.h"
@@ -26,14 +27,7 @@ constexpr std::size_t kMaxLine = 1023;
 enum Column { kOwner, kSpecies, kAdmitted, kChip, kNumber, kPhone, kColumnCount };
 
 void SetDefaults(PatientRecord& patient, PatientFinderInfo& finder) {
-  patient = {};
-  patient.final_date = "0000-00-00";
-  patient.expected_release_date = "0000-00-00";
-  patient.away_from_date = "0000-00-00";
-  patient.away_to_date = "0000-00-00";
-  patient.age = "UNK";
-  patient.ageIn = "UNK";
-  patient.sex = "UNK";
+  ResetPatientRecord(patient);
   patient.status = kOwnedBirdStatus;
   patient.species = kDefaultSpecies;
   patient.species_group = kSpeciesGroup;
@@ -74,14 +68,7 @@ int WriteImportNote(const PatientRecord& patient) {
 // were written. The owner is sent as the register has it (unescaped).
 bool WritePatient(PatientRecord& patient, const PatientFinderInfo& finder) {
   const char* id = patient.patient_id.c_str();
-  if (InsertPatient(patient) != 0) {
-    std::printf("\tERROR - Unable to create patient record for '%s'\n", id);
-    return false;
-  }
-  if (UpdatePatientFinderInfo(id, finder) != 0) {
-    std::printf("\tERROR - Unable to update patient finder info for '%s'\n", id);
-    return false;
-  }
+  if (!InsertPatientWithFinder(patient, finder)) return false;
   if (WriteImportNote(patient) < 0) {
     std::printf("\tERROR - Unable to create record entry for patient '%s'!\n", id);
     return false;

@@ -39,14 +39,7 @@ struct KwrcLine {
 };
 
 void FillPatient(const KwrcLine& line, PatientRecord& patient, PatientFinderInfo& finder) {
-  patient = {};
-  patient.final_date = "0000-00-00";
-  patient.expected_release_date = "0000-00-00";
-  patient.away_from_date = "0000-00-00";
-  patient.away_to_date = "0000-00-00";
-  patient.age = "UNK";
-  patient.ageIn = "UNK";
-  patient.sex = "UNK";
+  ResetPatientRecord(patient);
   finder = {};
   finder.presenter_country = "CHINA";
 

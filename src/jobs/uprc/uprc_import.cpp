@@ -7,6 +7,7 @@
 
 #include "driver/command_line.h"
 #include "jobs/uprc/uprc_places.h"
+#include "jobs/patient_rows.h"
 #include "store/connection.h"
 #include "store/disposition_store.h"
 #include "store/record_entry_store.h"
@@ -27,14 +28,7 @@ constexpr const char* kEducationPlace = "URC Education";
 constexpr std::size_t kMaxLine = 1023;
 
 void SetDefaults(PatientRecord& patient, PatientFinderInfo& finder) {
-  patient = {};
-  patient.final_date = "0000-00-00";
-  patient.expected_release_date = "0000-00-00";
-  patient.away_from_date = "0000-00-00";
-  patient.away_to_date = "0000-00-00";
-  patient.age = "UNK";
-  patient.ageIn = "UNK";
-  patient.sex = "UNK";
+  ResetPatientRecord(patient);
   patient.status = "Reh";
   patient.species_group = kSpeciesGroup;
 
@@ -152,14 +146,7 @@ bool ImportLine(char* const column[kUprcColumnCount]) {
   if (!ReadUprcPatient(column, patient, finder)) return false;
 
   const char* id = patient.patient_id.c_str();
-  if (InsertPatient(patient) != 0) {
-    std::printf("\tERROR - Unable to create patient record for '%s'\n", id);
-    return false;
-  }
-  if (UpdatePatientFinderInfo(id, finder) != 0) {
-    std::printf("\tERROR - Unable to update patient finder info for '%s'\n", id);
-    return false;
-  }
+  if (!InsertPatientWithFinder(patient, finder)) return false;
   if (!WriteProblems(column[kUprcProblems], patient)) return false;
   if (WriteImportNote(patient) < 0) {
     std::printf("\tERROR - Unable to create record entry for patient '%s'!\n", id);
