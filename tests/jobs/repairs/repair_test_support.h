@@ -6,41 +6,32 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "support/program_run.h"
 #include "support/test_database.h"
 
-inline std::string ReplaceAll(std::string text, const std::string& from, const std::string& to) {
-  for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
-    text.replace(at, from.size(), to);
-  }
-  return text;
+inline std::string ReplaceAll(std::string s, const std::string& from, const std::string& to) {
+  for (auto at = s.find(from); at != s.npos; at = s.find(from, at + to.size())) s.replace(at, from.size(), to);
+  return s;
 }
-
-struct JobOutput {
-  int result;
-  std::string log;
-};
 
 class RepairTest : public DatabaseTest {
  protected:
-  void TearDown() override {
-    if (!dir_.empty()) std::filesystem::remove_all(dir_);
-    DatabaseTest::TearDown();
-  }
-
   void LoadSeed() { Exec(ReadFile(std::string(CORVANA_SOURCE_DIR) + "/samples/repairs/seed.sql")); }
 
   // The log, with this test's server and database as "SERVER:DATABASE".
   std::string Run(const std::string& type, const std::string& org = "REPAIR") {
-    if (dir_.empty()) WriteIni(dir_ = MakeTempDir());
-    ProgramRun run = RunProgram(dir_, {"-org", org, "-type", type, "-year", "0"});
+    const std::string dir = MakeTempDir();
+    WriteIni(dir);
+    ProgramRun run = RunProgram(dir, {"-org", org, "-type", type, "-year", "0"});
+    std::filesystem::remove_all(dir);
     EXPECT_EQ(run.exit_code, 0) << run.output;
     return ReplaceAll(run.output, server_.host + ":" + database_, "SERVER:DATABASE");
   }
 
-  template <typename Job>
-  static JobOutput RunHere(Job job) {
+  // The job's result and what it printed, run in this process.
+  static std::pair<int, std::string> RunHere(int (*job)()) {
     testing::internal::CaptureStdout();
     int result = job();
     return {result, testing::internal::GetCapturedStdout()};
@@ -48,9 +39,7 @@ class RepairTest : public DatabaseTest {
 
   // Makes the server refuse `event` ("insert", "update") on `table`.
   void Refuse(const std::string& event, const std::string& table) {
-    Exec("drop trigger if exists refuse; create trigger refuse before " + event + " on " + table +
+    Exec("create trigger refuse before " + event + " on " + table +
          " for each row signal sqlstate '45000' set message_text='Refused for the test'");
   }
-
-  std::string dir_;
 };
