@@ -21,26 +21,29 @@ namespace {
 // The conversion texts come from the fixed statement texts, never from data.
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 
+// Appends `value` printed with `format`, however long the result.
+template <typename T>
+void AppendFormatted(std::string& out, const std::string& format, T value) {
+  int n = std::snprintf(nullptr, 0, format.c_str(), value);
+  if (n <= 0) return;
+  std::size_t start = out.size();
+  out.resize(start + static_cast<std::size_t>(n) + 1);
+  std::snprintf(out.data() + start, static_cast<std::size_t>(n) + 1, format.c_str(), value);
+  out.resize(start + static_cast<std::size_t>(n));
+}
+
 // Formats one `conversion` ("%.2f", "%d", "%I64d", ...) with `arg`.
 bool FormatOne(std::string& out, std::string_view conversion, const SqlArg& arg) {
-  char type = conversion.back();
   // Flags, width and precision; any length modifier (I64, ll, l, h) is
   // dropped because the value's own type decides how it is printed.
-  std::string printf_format(conversion.substr(0, conversion.find_first_not_of("%-+ #0123456789.")));
-  char piece[128];
-  switch (type) {
+  std::string format(conversion.substr(0, conversion.find_first_not_of("%-+ #0123456789.")));
+  switch (conversion.back()) {
     case 's':
       if (arg.kind != SqlArg::Kind::kText) return false;
-      if (printf_format == "%") {
+      if (format == "%") {
         out.append(arg.text);
       } else {
-        std::string text(arg.text);
-        printf_format += 's';
-        int n = std::snprintf(nullptr, 0, printf_format.c_str(), text.c_str());
-        std::string formatted(static_cast<std::size_t>(n) + 1, '\0');
-        std::snprintf(formatted.data(), formatted.size(), printf_format.c_str(), text.c_str());
-        formatted.resize(static_cast<std::size_t>(n));
-        out += formatted;
+        AppendFormatted(out, format + 's', std::string(arg.text).c_str());
       }
       return true;
     case 'c':
@@ -49,22 +52,12 @@ bool FormatOne(std::string& out, std::string_view conversion, const SqlArg& arg)
       return true;
     case 'd':
     case 'i':
-    case 'u':
       if (arg.kind != SqlArg::Kind::kInteger) return false;
-      printf_format += "lld";
-      std::snprintf(piece, sizeof piece, printf_format.c_str(), arg.integer);
-      out += piece;
+      AppendFormatted(out, format + "lld", arg.integer);
       return true;
     case 'f':
       if (arg.kind != SqlArg::Kind::kReal) return false;
-      printf_format += 'f';
-      {
-        int n = std::snprintf(nullptr, 0, printf_format.c_str(), arg.real);
-        std::string formatted(static_cast<std::size_t>(n) + 1, '\0');
-        std::snprintf(formatted.data(), formatted.size(), printf_format.c_str(), arg.real);
-        formatted.resize(static_cast<std::size_t>(n));
-        out += formatted;
-      }
+      AppendFormatted(out, format + 'f', arg.real);
       return true;
     default:
       return false;
@@ -92,7 +85,7 @@ bool FormatSql(std::string& out, std::string& error, const char* statement,
       continue;
     }
     const char* start = p++;
-    while (*p != '\0' && std::strchr("sdcfiu", *p) == nullptr) ++p;
+    while (*p != '\0' && std::strchr("sdcfi", *p) == nullptr) ++p;
     if (*p == '\0') {
       error = "Malformed conversion in statement";
       return false;
