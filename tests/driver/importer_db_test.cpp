@@ -2,6 +2,7 @@
 // which job a pair of organisation code and data type selects.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 
 #include "support/program_run.h"
@@ -25,28 +26,19 @@ class ImporterTest : public DatabaseTest {
   std::string dir_;
 };
 
-TEST_F(ImporterTest, InvalidOptionsPrintUsageAndConnectNowhere) {
+TEST_F(ImporterTest, UsageAndConnectionFailures) {
   std::string empty_dir = MakeTempDir();
   ProgramRun run = RunProgram(empty_dir, {});
   EXPECT_EQ(run.exit_code, 1);
   EXPECT_EQ(run.output, kUsage);
   EXPECT_EQ(ReadFile(empty_dir + "/CorvanaDataImporter.ini"), "");  // not even the configuration is read
 
-  run = RunProgram(dir_, {"-org", "KWRC", "-type", "x", "-year"});
-  EXPECT_EQ(run.exit_code, 1);
-  EXPECT_EQ(run.output, kUsage);
-}
-
-TEST_F(ImporterTest, ConnectionFailures) {
-  std::string empty_dir = MakeTempDir();
-  ProgramRun run = RunProgram(empty_dir, {"-org", "HWC", "-type", "x", "-year", "2012"});
+  run = RunProgram(empty_dir, {"-org", "HWC", "-type", "x", "-year", "2012"});
   EXPECT_EQ(run.exit_code, 1);
   EXPECT_EQ(run.output, "Can't connect to '' on ':3306' as user ''!\n");
   EXPECT_EQ(ReadFile(empty_dir + "/CorvanaDataImporter.ini"), "\n");  // created for the operator to fill
-
-  WriteFile(dir_ + "/CorvanaDataImporter.ini", "[MYSQL]\nServer=" + server_.host + "\nPort=" +
-                                                   std::to_string(server_.port) + "\nDatabase=" + database_ +
-                                                   "\nUsername=" + server_.user + "\nPassword=wrong\n");
+  std::string ini = ReadFile(dir_ + "/CorvanaDataImporter.ini");
+  WriteFile(dir_ + "/CorvanaDataImporter.ini", ini.substr(0, ini.find("Password=")) + "Password=wrong\r\n");
   run = RunProgram(dir_, {"-org", "HWC", "-type", "x", "-year", "2012"});
   EXPECT_EQ(run.exit_code, 1);
   EXPECT_EQ(run.output, "Can't connect to '" + database_ + "' on '" + server_.host + ":" +
@@ -54,26 +46,19 @@ TEST_F(ImporterTest, ConnectionFailures) {
 }
 
 TEST_F(ImporterTest, JobSelection) {
-  struct Case {
-    std::vector<std::string> args;
-    std::string log_after_job_line;
+  const std::array<const char*, 4> cases[] = {  // organisation, data type, year, log after the job line
+      {"HWC", "fixTransfers", "2012", ""},
+      {"CSAQ_FF", "Patient", "2012", ""},
+      {"Nobody", "patient", "2012", ""},
+      {"KWRC", "species", "2013", "Unable to open 'KWRC_2013.txt'!"},
+      {"KWRC", "fixTransfers", "2013", "Unable to open 'KWRC_2013.txt'!"},
+      {"Nobody", "FIXTRANSFERS", "0", "Updated 0 transfer records\n"},
+      {"", "fixtransfers", "0", "Updated 0 transfer records\n"},
   };
-  const Case cases[] = {
-      {{"-org", "HWC", "-type", "fixTransfers", "-year", "2012"}, ""},
-      {{"-org", "CSAQ_FF", "-type", "Patient", "-year", "2012"}, ""},
-      {{"-org", "Nobody", "-type", "patient", "-year", "2012"}, ""},
-      {{"-org", "KWRC", "-type", "species", "-year", "2013"}, "Unable to open 'KWRC_2013.txt'!"},
-      {{"-org", "KWRC", "-type", "fixTransfers", "-year", "2013"}, "Unable to open 'KWRC_2013.txt'!"},
-      {{"-org", "Nobody", "-type", "FIXTRANSFERS", "-year", "0"}, "Updated 0 transfer records\n"},
-      {{"-type", "fixtransfers", "-org", "", "-year", "0"}, "Updated 0 transfer records\n"},
-  };
-  for (const Case& c : cases) {
-    ProgramRun run = RunProgram(dir_, c.args);
-    EXPECT_EQ(run.exit_code, 0) << c.args[1] << " " << c.args[3];
-    std::string org = c.args[0] == "-org" ? c.args[1] : c.args[3];
-    std::string type = c.args[0] == "-org" ? c.args[3] : c.args[1];
-    EXPECT_EQ(run.output, Connected() + org + " - " + type + " - " + c.args[5] + "\n" + c.log_after_job_line)
-        << org << " " << type;
+  for (const auto& [org, type, year, log] : cases) {
+    ProgramRun run = RunProgram(dir_, {"-org", org, "-type", type, "-year", year});
+    EXPECT_EQ(run.exit_code, 0) << org << " " << type;
+    EXPECT_EQ(run.output, Connected() + org + " - " + type + " - " + year + "\n" + log) << org << " " << type;
   }
 }
 

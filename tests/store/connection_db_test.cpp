@@ -13,18 +13,13 @@ using ConnectionTest = DatabaseTest;
 
 TEST_F(ConnectionTest, ConnectFailures) {
   CloseDatabase();
-  EXPECT_EQ(ConnectDatabase(server_.host.c_str(), database_.c_str(), server_.user.c_str(),
-                            server_.password.c_str(), 1),
-            1);  // nothing listens on port 1
-  EXPECT_EQ(ConnectDatabase(server_.host.c_str(), "no_such_database", server_.user.c_str(),
-                            server_.password.c_str(), server_.port),
-            1);
-  EXPECT_EQ(ConnectDatabase(server_.host.c_str(), database_.c_str(), server_.user.c_str(), "wrong password",
-                            server_.port),
-            1);
-  EXPECT_EQ(ConnectDatabase(server_.host.c_str(), database_.c_str(), server_.user.c_str(),
-                            server_.password.c_str(), server_.port),
-            0);
+  auto connect = [&](const char* database, const char* password, int port) {
+    return ConnectDatabase(server_.host.c_str(), database, server_.user.c_str(), password, port);
+  };
+  EXPECT_EQ(connect(database_.c_str(), server_.password.c_str(), 1), 1);  // nothing listens on port 1
+  EXPECT_EQ(connect("no_such_database", server_.password.c_str(), server_.port), 1);
+  EXPECT_EQ(connect(database_.c_str(), "wrong password", server_.port), 1);
+  EXPECT_EQ(connect(database_.c_str(), server_.password.c_str(), server_.port), 0);
 }
 
 TEST_F(ConnectionTest, EscapeSql) {
@@ -62,13 +57,9 @@ TEST_F(ConnectionTest, QueryResults) {
   Exec("insert into settings(category,value) values ('a','1'),('b',NULL)");
   SqlResult result = QuerySql("select category,value from settings order by category;", {});
   ASSERT_TRUE(result);
-  MYSQL_ROW first = result.NextRow();
-  ASSERT_NE(first, nullptr);
-  EXPECT_STREQ(first[0], "a");
-  MYSQL_ROW second = result.NextRow();
-  ASSERT_NE(second, nullptr);
-  EXPECT_EQ(second[1], nullptr);
-  EXPECT_EQ(result.NextRow(), nullptr);
+  std::vector<std::string> rows;
+  while (MYSQL_ROW row = result.NextRow()) rows.push_back(std::string(row[0]) + "|" + (row[1] ? row[1] : "NULL"));
+  EXPECT_EQ(rows, (std::vector<std::string>{"a|1", "b|NULL"}));
   EXPECT_FALSE(QuerySql("select nonsense from nowhere;", {}));
 }
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <regex>
 
 namespace {
 
@@ -11,7 +11,7 @@ TEST(DatesTest, ParseSlashDate) {
       {"3/4/2011", "2011-03-04"},     {"25/12/2010", "2010-12-25"}, {"13/14/2010", "2010-14-13"},
       {"3/4/11", "2011-03-04"},       {"3/4/99", "2099-03-04"},     {"3/4/1950", "1950-03-04"},
       {"3/4/2016", "2016-03-04"},     {"3/4/2011 10:15", "2011-03-04"}, {"//2011", "2011-00-00"},
-      {"0/31/2011", "2011-00-31"},
+      {"0/31/2011", "2011-00-31"},    {"5/123/2011", "2011-05-12"},  // "2011-05-123" does not fit
   };
   for (const auto& [input, expected] : good) {
     Text<11> out{};
@@ -24,12 +24,6 @@ TEST(DatesTest, ParseSlashDate) {
     EXPECT_EQ(ParseSlashDate(bad, out), 1) << bad;
     EXPECT_EQ(out, "untouched") << bad;
   }
-}
-
-TEST(DatesTest, ParseSlashDateCutsLongOutput) {
-  Text<11> out{};
-  EXPECT_EQ(ParseSlashDate("5/123/2011", out), 0);
-  EXPECT_EQ(out, "2011-05-12");  // "2011-05-123" does not fit the field
 }
 
 TEST(DatesTest, ParseExportDate) {
@@ -54,11 +48,7 @@ TEST(DatesTest, ParseExportDate) {
 }
 
 TEST(DatesTest, NowTimestampShape) {
-  const char* now = NowTimestamp();
-  ASSERT_EQ(std::strlen(now), 19u);
-  EXPECT_EQ(now[4], '-');
-  EXPECT_EQ(now[10], ' ');
-  EXPECT_EQ(now[13], ':');
+  EXPECT_TRUE(std::regex_match(NowTimestamp(), std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)"))) << NowTimestamp();
 }
 
 }  // namespace
