@@ -14,6 +14,19 @@ void ResetPatientRecord(PatientRecord& record) {
   record.sex = "UNK";
 }
 
+void ResetFinderInfo(PatientFinderInfo& finder, const char* country, const char* state) {
+  finder = {};
+  finder.found_country = country;
+  finder.presenter_country = country;
+  finder.found_district = "NA";
+  finder.found_county = "NA";
+  finder.presenter_district = "NA";
+  finder.presenter_county = "NA";
+  finder.found_state = state;
+  finder.presenter_state = state;
+  finder.presenter_transporter = " ";
+}
+
 int InsertPatient(PatientRecord& r) {
   if (ExecuteSql(
           "insert into patient(patient_id,name,species,ageIn,age,admission_date,status,sex,flags,location,"

@@ -109,6 +109,11 @@ struct PatientFinderInfo {
 // at admission, current age class and sex.
 void ResetPatientRecord(PatientRecord& record);
 
+// Clears `finder` and sets what the patient imports start from: `country` and
+// `state` for both finder and presenter, "NA" district and county, and a
+// transporter of one blank.
+void ResetFinderInfo(PatientFinderInfo& finder, const char* country, const char* state);
+
 // Inserts the row and stores its new key in `record.id`. Returns 0, or 1 on
 // failure (`id` left as it was).
 int InsertPatient(PatientRecord& record);

@@ -80,16 +80,7 @@ void SetDefaults(PatientRecord& patient, PatientFinderInfo& finder, TransferReco
   ResetPatientRecord(patient);
   patient.status = "Reh";
 
-  finder = {};
-  finder.found_country = "USA";
-  finder.presenter_country = "USA";
-  finder.found_district = "NA";
-  finder.found_county = "NA";
-  finder.presenter_district = "NA";
-  finder.presenter_county = "NA";
-  finder.found_state = "AZ";
-  finder.presenter_state = "AZ";
-  finder.presenter_transporter = " ";
+  ResetFinderInfo(finder, "USA", "AZ");
 
   transfer = {};
   transfer.name = "NA";

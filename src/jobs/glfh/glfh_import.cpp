@@ -32,16 +32,7 @@ void SetDefaults(PatientRecord& patient, PatientFinderInfo& finder) {
   patient.species = kDefaultSpecies;
   patient.species_group = kSpeciesGroup;
 
-  finder = {};
-  finder.found_country = kOwnerCountry;
-  finder.presenter_country = kOwnerCountry;
-  finder.found_district = "NA";
-  finder.found_county = "NA";
-  finder.found_state = "NA";
-  finder.presenter_district = "NA";
-  finder.presenter_county = "NA";
-  finder.presenter_state = "NA";
-  finder.presenter_transporter = " ";
+  ResetFinderInfo(finder, kOwnerCountry, "NA");
 }
 
 // The register's number as a case number; false when it is not above 0

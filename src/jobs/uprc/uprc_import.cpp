@@ -32,16 +32,7 @@ void SetDefaults(PatientRecord& patient, PatientFinderInfo& finder) {
   patient.status = "Reh";
   patient.species_group = kSpeciesGroup;
 
-  finder = {};
-  finder.found_country = kCountry;
-  finder.presenter_country = kCountry;
-  finder.found_district = "NA";
-  finder.found_county = "NA";
-  finder.presenter_district = "NA";
-  finder.presenter_county = "NA";
-  finder.found_state = kHomeState;
-  finder.presenter_state = kHomeState;
-  finder.presenter_transporter = " ";
+  ResetFinderInfo(finder, kCountry, kHomeState);
 }
 
 char* Trimmed(char* text) {
