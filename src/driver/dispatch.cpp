@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-#include "driver/command_line.h"
 #include "jobs/dswc/dswc_address_book.h"
 #include "jobs/dswc/dswc_admissions.h"
 #include "jobs/dswc/dswc_species.h"
@@ -27,7 +26,7 @@ struct JobRow {
   const char* org;   // null for repairs
   const char* type;  // null for kAny
   TypeMatch match;
-  void (*run)();
+  void (*run)(const RunOptions& options);
 };
 
 // Every organisation code the program knows, including those whose jobs are
@@ -38,18 +37,18 @@ constexpr const char* kOrganisations[] = {"HWC",  "KWRC",     "CSAQ_FF", "DsWC",
 // Tested in this order; at most one job runs.
 constexpr JobRow kJobs[] = {
     {"HWC", nullptr, TypeMatch::kAny, nullptr},  // nothing to import for this site
-    {"KWRC", nullptr, TypeMatch::kAny, [] { ImportKwrcYear(); }},
-    {"DsWC", "patient", TypeMatch::kExact, [] { ImportDswcAdmissions(); }},
-    {"DsWC", "species", TypeMatch::kExact, [] { ImportDswcSpecies(); }},
-    {"DsWC", "address_book", TypeMatch::kExact, [] { ImportDswcAddressBook(); }},
-    {"GLFH", "patient", TypeMatch::kExact, [] { ImportGlfhPatients(); }},
-    {"UPRC", "patient", TypeMatch::kExact, [] { ImportUprcPatients(); }},
-    {nullptr, "fixTransfers", TypeMatch::kRepair, [] { fixTransfers(); }},
-    {nullptr, "fix180DayReports", TypeMatch::kRepair, [] { fix180DayReports(); }},
-    {nullptr, "fixLineLengths", TypeMatch::kRepair, [] { fixLineLengths(false); }},
-    {nullptr, "fixLineLengthsTest", TypeMatch::kRepair, [] { fixLineLengths(true); }},
-    {nullptr, "fixEnrichmentRecords", TypeMatch::kRepair, [] { fixEnrichmentRecords(); }},
-    {nullptr, "fix_CBC_PCV_Records", TypeMatch::kRepair, [] { fix_CBC_PCV_Records(); }},
+    {"KWRC", nullptr, TypeMatch::kAny, [](const RunOptions& options) { ImportKwrcYear(options.year); }},
+    {"DsWC", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportDswcAdmissions(options.year); }},
+    {"DsWC", "species", TypeMatch::kExact, [](const RunOptions&) { ImportDswcSpecies(); }},
+    {"DsWC", "address_book", TypeMatch::kExact, [](const RunOptions&) { ImportDswcAddressBook(); }},
+    {"GLFH", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportGlfhPatients(); }},
+    {"UPRC", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportUprcPatients(options.year); }},
+    {nullptr, "fixTransfers", TypeMatch::kRepair, [](const RunOptions&) { fixTransfers(); }},
+    {nullptr, "fix180DayReports", TypeMatch::kRepair, [](const RunOptions&) { fix180DayReports(); }},
+    {nullptr, "fixLineLengths", TypeMatch::kRepair, [](const RunOptions&) { fixLineLengths(false); }},
+    {nullptr, "fixLineLengthsTest", TypeMatch::kRepair, [](const RunOptions&) { fixLineLengths(true); }},
+    {nullptr, "fixEnrichmentRecords", TypeMatch::kRepair, [](const RunOptions&) { fixEnrichmentRecords(); }},
+    {nullptr, "fix_CBC_PCV_Records", TypeMatch::kRepair, [](const RunOptions&) { fix_CBC_PCV_Records(); }},
 };
 
 bool IsOrganisation(const char* org_code) {
@@ -73,12 +72,12 @@ bool Matches(const JobRow& row, const char* org_code, const char* data_type, boo
 
 }  // namespace
 
-bool RunSelectedJob(const char* org_code, const char* data_type) {
+bool RunSelectedJob(const char* org_code, const char* data_type, const RunOptions& options) {
   bool known_org = IsOrganisation(org_code);
   for (const JobRow& row : kJobs) {
     if (!Matches(row, org_code, data_type, known_org)) continue;
     if (row.run == nullptr) return false;
-    row.run();
+    row.run(options);
     return true;
   }
   return false;

@@ -44,7 +44,10 @@ int RunImporter(int argc, const char* const* argv) {
   if (ConnectFromConfig() != 0) return 1;
 
   std::printf("%s - %s - %d\n", OrgCode.c_str(), DataType.c_str(), Year);
-  RunSelectedJob(OrgCode.c_str(), DataType.c_str());
+  RunOptions options{};
+  options.year = Year;
+  options.region = Region;
+  RunSelectedJob(OrgCode.c_str(), DataType.c_str(), options);
   CloseDatabase();
   return 0;
 }

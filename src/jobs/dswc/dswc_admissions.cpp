@@ -5,7 +5,6 @@
 #include <cstring>
 #include <string>
 
-#include "driver/command_line.h"
 #include "jobs/dswc/dswc_disposition.h"
 #include "jobs/dswc/dswc_species.h"
 #include "jobs/patient_rows.h"
@@ -256,9 +255,9 @@ int LookupDswcSpecies(const char* label, PatientRecord& patient) {
   return LookupDswcSpecies(g_species_list, label, patient);
 }
 
-int ImportDswcAdmissions() {
+int ImportDswcAdmissions(int year) {
   Text<64> file_name{};
-  file_name.Format("./%dAdmissions.txt", Year);
+  file_name.Format("./%dAdmissions.txt", year);
   std::printf("Loading patient data from '%s'\n", file_name.c_str());
   LineReader reader(file_name.c_str(), kMaxLine);
   if (!reader.is_open()) {
@@ -270,7 +269,7 @@ int ImportDswcAdmissions() {
     return 1;
   }
 
-  const bool with_donation = Year == kDonationYear;
+  const bool with_donation = year == kDonationYear;
   int imported = 0;
   std::string text;
   for (int i = 0; i < kHeaderLines; ++i) reader.ReadLine(text);
@@ -282,7 +281,7 @@ int ImportDswcAdmissions() {
     if (line.found == 0) continue;  // a blank line holds no admission
     Text<16> patient_id{};
     // "%.4d" writes what the centre's "%04.4d" does: at least four digits.
-    patient_id.Format("%d-%.4d", Year, ToInt(line[kNumber]));
+    patient_id.Format("%d-%.4d", year, ToInt(line[kNumber]));
     if (!HasFields(line.found, kNeededFields, patient_id.c_str())) continue;
     if (ImportAdmission(line, patient_id)) ++imported;
   }

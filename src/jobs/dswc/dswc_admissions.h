@@ -7,11 +7,11 @@
 #include "store/patient_store.h"
 #include "xml/xml_document.h"
 
-// Imports the file of the run's year (the year 2014 has a donation column
+// Imports the file of `year` (the year 2014 has a donation column
 // after the disposition). Reports every rejected line and ends with the
 // count of imported patients. Returns 0 after a run over the file, 1 when
 // the admissions file or the species list cannot be read.
-int ImportDswcAdmissions();
+int ImportDswcAdmissions(int year);
 
 // Finds the first species element of `species_list` whose "label" equals
 // `label` ignoring case (elements without a label are passed over) and copies

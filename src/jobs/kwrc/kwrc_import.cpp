@@ -4,7 +4,6 @@
 #include <cstring>
 #include <string>
 
-#include "driver/command_line.h"
 #include "store/connection.h"
 #include "store/disposition_store.h"
 #include "store/record_entry_store.h"
@@ -250,15 +249,15 @@ int SplitKwrcAddress(const char* address, Text<64>& street, Text<32>& city, Text
   return 0;
 }
 
-int ImportKwrcYear() {
+int ImportKwrcYear(int year) {
   Text<64> file_name{};
-  file_name.Format("KWRC_%d.txt", Year);
+  file_name.Format("KWRC_%d.txt", year);
   LineReader reader(file_name.c_str(), kMaxLine);
   if (!reader.is_open()) {
     std::printf("Unable to open '%s'!", file_name.c_str());
     return 1;
   }
-  std::printf("Loading KWRC data for %d...\n", Year);
+  std::printf("Loading KWRC data for %d...\n", year);
   int imported = 0;
   std::string text;
   reader.ReadLine(text);  // header

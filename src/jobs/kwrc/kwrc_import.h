@@ -5,9 +5,9 @@
 #include "store/patient_store.h"
 #include "util/text.h"
 
-// Imports the file of the run's year. Returns 0 after reading it, 1 when it
+// Imports the file of `year`. Returns 0 after reading it, 1 when it
 // cannot be opened.
-int ImportKwrcYear();
+int ImportKwrcYear(int year);
 
 // Sets `record.status` from the outcome word (any case): "R", "E"/"E24",
 // "D"/"D24" (the 24-hour codes when admission and final dates are the same

@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "driver/command_line.h"
 #include "jobs/uprc/uprc_places.h"
 #include "jobs/patient_rows.h"
 #include "store/connection.h"
@@ -192,9 +191,9 @@ bool ReadUprcPatient(char* const column[kUprcColumnCount], PatientRecord& patien
   return valid;
 }
 
-int ImportUprcPatients() {
+int ImportUprcPatients(int year) {
   Text<64> file_name{};
-  file_name.Format("./UPRC %d.txt", Year);
+  file_name.Format("./UPRC %d.txt", year);
   std::printf("Loading patient data from '%s'\n", file_name.c_str());
   LineReader reader(file_name.c_str(), kMaxLine);
   if (!reader.is_open()) {

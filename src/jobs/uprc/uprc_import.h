@@ -20,9 +20,9 @@ enum UprcColumn {
   kUprcColumnCount
 };
 
-// Imports the log of the run's year. Returns 0 after reading it, 1 when it
+// Imports the log of `year`. Returns 0 after reading it, 1 when it
 // cannot be opened. Prints one message per failure and the count at the end.
-int ImportUprcPatients();
+int ImportUprcPatients(int year);
 
 // Clears both records, sets the centre's defaults and fills the patient from
 // the ten columns of one line (all present; the enclosure and name columns
