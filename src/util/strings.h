@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 #include "util/text.h"
 
@@ -30,6 +31,10 @@ void StripQuotes(const char* source, Text<N>& target) {
 // column into a line feed; existing line feeds restart the count. Returns true
 // when at least one character was replaced.
 bool WrapLongLines(char* text, int width);
+
+// True when `line` holds nothing but blanks, tabs and line ends: an empty
+// line of an export, which holds no record.
+bool IsBlank(std::string_view line);
 
 // True when `a` and `b` are equal ignoring ASCII letter case.
 bool EqualsNoCase(const char* a, const char* b);

@@ -145,12 +145,13 @@ int ImportDswcAddressBook() {
   std::string text;
   reader.ReadLine(text);  // header
   while (reader.ReadLine(text)) {
-    // A line that stops early must not carry its line end into its last field.
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+    if (IsBlank(text)) continue;  // a blank line holds no contact
+    // Fields end at tabs only, so whichever column is last on the line keeps
+    // the line feed, as the centre's old import stored it. Every column after
+    // the last part of the name may be missing.
     Tokenizer tokenizer(text);
     char* field[kColumnCount];
-    // Every column after the last part of the name may be missing.
-    if (TakeFields(tokenizer, field, kColumnCount, "\t", "\t") == 0) continue;  // blank line
+    TakeFields(tokenizer, field, kColumnCount, "\t", "\t");
     if (ImportContact(field)) ++imported;
   }
   std::printf("Imported %d entries\n", imported);

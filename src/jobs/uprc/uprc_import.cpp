@@ -40,8 +40,6 @@ char* Trimmed(char* text) {
   return text;
 }
 
-bool IsBlank(std::string_view line) { return line.find_first_not_of(" \t\r\n") == std::string_view::npos; }
-
 // Writes every piece of the ';' or '|' separated list longer than two
 // characters (shorter ones are stray codes). Returns false when any failed;
 // the others are still written.

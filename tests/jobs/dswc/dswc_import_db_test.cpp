@@ -70,8 +70,27 @@ TEST_F(DswcImportTest, AdmissionsOf2014AfterSpecies) {
 
 TEST_F(DswcImportTest, AddressBook) {
   RunAndCompare({"address_book"}, "2011", "address_book",
-                {{"addressBook", "org,contactName,addr,addr2,city,state,zip,county,country,phone1,phone2,phone3,"
-                                 "email,cellProvider,type,permit,dob,webAddress"}});
+                {{"addressBook", "org,replace(contactName,'\\n','\\\\n'),addr,addr2,city,state,zip,county,country,"
+                                 "phone1,phone2,phone3,replace(email,'\\n','\\\\n'),cellProvider,type,permit,dob,"
+                                 "webAddress"}});
+}
+
+// Fields end at tabs only: whichever column ends the line keeps its line feed
+// (CR LF read as LF), and a birthday read as "%d/%d" does not mind it.
+TEST_F(DswcImportTest, LastFieldOfALineKeepsItsLineFeed) {
+  std::string dir = MakeTempDir();
+  WriteIni(dir);
+  WriteFile(dir + "/AddressBook.txt",
+            "Last\tFirst\tMiddle\tAddress\tPhone 1\tPhone 2\tPhone 3\tE-mail\tBirthday\r\n"
+            "Quill\tAda\tM\t1 Main St, Tucson, AZ 85701\t520-555-0100 (Cell)\t \t \tada@example.com\r\n"
+            "Reyes\tLuis\tP\t2 Oak St, Tucson, AZ 85702\t520-555-0101 (Home)\t \t \tluis@example.com\t7/4\r\n"
+            "Castellanos\r\n"
+            "\r\n");
+  EXPECT_EQ(RunJob(dir, "address_book", "2011"),
+            "DsWC - address_book - 2011\nLoading address book data from './AddressBook.txt'\nImported 3 entries\n");
+  EXPECT_EQ(Rows("select contactName, email, dob from addressBook order by id"),
+            (std::vector<std::string>{"Ada M Quill|ada@example.com\n|0000-00-00",
+                                      "Luis P Reyes|luis@example.com|0000-07-04", " Castellanos\n||0000-00-00"}));
 }
 
 // One directory that gains an input file before some runs; no run imports anything.
