@@ -9,7 +9,9 @@
 #   scripts/db.sh sql NAME [ARGS...]    run the mariadb client on NAME (SQL on stdin)
 #
 # Environment: CORVANA_DB_DIR (default <repo>/build/db), CORVANA_DB_PORT (3399),
-# CORVANA_DB_USER (corvana), CORVANA_DB_PASSWORD (corvana).
+# CORVANA_DB_USER (corvana), CORVANA_DB_PASSWORD (corvana), CORVANA_DB_SQL_MODE
+# (the server's global sql_mode, default NO_ENGINE_SUBSTITUTION as on the
+# Corvana application's server; the tests start a second, strict server with it).
 #
 # The server listens on 127.0.0.1 only and keeps everything (data, socket, pid,
 # log) inside the db dir, so it runs as root or as an ordinary user alike.
@@ -20,6 +22,7 @@ dir=${CORVANA_DB_DIR:-$repo/build/db}
 port=${CORVANA_DB_PORT:-3399}
 user=${CORVANA_DB_USER:-corvana}
 password=${CORVANA_DB_PASSWORD:-corvana}
+sql_mode=${CORVANA_DB_SQL_MODE-NO_ENGINE_SUBSTITUTION}
 
 die() { echo "db.sh: $*" >&2; exit 1; }
 
@@ -89,7 +92,7 @@ cmd_start() {
     --user="$(id -un)" --datadir="$data" --tmpdir="$dir/tmp" \
     --socket="$sock" --pid-file="$pidfile" --log-error="$log" \
     --bind-address=127.0.0.1 --port="$port" --skip-name-resolve \
-    --sql-mode=NO_ENGINE_SUBSTITUTION \
+    --sql-mode="$sql_mode" \
     --character-set-server=latin1 --collation-server=latin1_swedish_ci \
     --skip-log-bin --innodb-flush-log-at-trx-commit=2 --innodb-doublewrite=0 \
     --innodb-buffer-pool-size=64M --innodb-log-file-size=16M \

@@ -31,6 +31,10 @@ int ConnectFromConfig() {
   }
   std::printf("\n\n%s version %s connected successfully to '%s:%s'\n", kProgramName, kVersion, server.c_str(),
               database.c_str());
+  if (!SqlModeNotice().empty()) {
+    std::fflush(stdout);  // keeps the notice after the banner when both go to one terminal
+    std::fprintf(stderr, "%s\n", SqlModeNotice().c_str());
+  }
   return 0;
 }
 

@@ -10,6 +10,7 @@ MYSQL g_connection;
 std::string g_refusal;
 std::string g_last_error;
 std::string g_statement;  // reused so a run does not allocate per statement
+std::string g_sql_mode_notice;
 
 bool Prepare(const char* statement, std::initializer_list<SqlArg> args) {
   g_refusal.clear();
@@ -17,6 +18,44 @@ bool Prepare(const char* statement, std::initializer_list<SqlArg> args) {
   if (FormatSql(g_statement, reason, statement, args)) return true;
   g_refusal = "Statement not sent: " + reason;
   return false;
+}
+
+// True when `mode` holds a flag that `permissive` does not: a stricter mode.
+bool HasModesBeyond(std::string_view mode, std::string_view permissive) {
+  std::string known = "," + std::string(permissive) + ",";
+  while (!mode.empty()) {
+    std::size_t comma = mode.find(',');
+    std::string_view flag = mode.substr(0, comma);
+    if (!flag.empty() && known.find("," + std::string(flag) + ",") == std::string::npos) return true;
+    mode = comma == std::string_view::npos ? std::string_view() : mode.substr(comma + 1);
+  }
+  return false;
+}
+
+// Sets the session's mode and registers it as the command the library runs
+// on every reconnect. The init command is added only once the mode is known
+// to be accepted: a failing init command would make every reconnect fail.
+void UseCorvanaSqlMode() {
+  g_sql_mode_notice.clear();
+  std::string set_mode = std::string("SET SESSION sql_mode='") + kCorvanaSqlMode + "'";
+  if (mysql_real_query(&g_connection, set_mode.data(), set_mode.size()) != 0) {
+    g_sql_mode_notice = std::string("Could not set the session's sql_mode to '") + kCorvanaSqlMode +
+                        "': " + mysql_error(&g_connection) + "; rows with no date or an over-long text may be refused";
+    return;
+  }
+  mysql_options(&g_connection, MYSQL_INIT_COMMAND, set_mode.c_str());
+
+  const char* query = "SELECT @@GLOBAL.sql_mode";
+  if (mysql_real_query(&g_connection, query, std::strlen(query)) != 0) return;
+  MYSQL_RES* result = mysql_store_result(&g_connection);
+  if (result == nullptr) return;
+  MYSQL_ROW row = mysql_fetch_row(result);
+  std::string server_mode = row != nullptr && row[0] != nullptr ? row[0] : "";
+  mysql_free_result(result);
+  if (HasModesBeyond(server_mode, kCorvanaSqlMode)) {
+    g_sql_mode_notice = "The server's sql_mode is '" + server_mode + "'; this run uses '" + kCorvanaSqlMode +
+                        "', as the Corvana server does";
+  }
 }
 
 }  // namespace
@@ -40,8 +79,11 @@ int ConnectDatabase(const char* server, const char* database, const char* user,
     mysql_close(&g_connection);
     return 1;
   }
+  UseCorvanaSqlMode();
   return 0;
 }
+
+const std::string& SqlModeNotice() { return g_sql_mode_notice; }
 
 int CloseDatabase() {
   mysql_close(&g_connection);

@@ -16,10 +16,24 @@
 #include "util/text.h"
 
 // Connects to `server`:`port` as `user` (no default database, reconnecting by
-// itself when the link drops) and selects `database`. Returns 0 when
-// connected, 1 on failure (the half-made connection is closed again).
+// itself when the link drops), selects `database` and sets the session's
+// sql_mode (see kCorvanaSqlMode). Returns 0 when connected, 1 on failure (the
+// half-made connection is closed again); a mode that cannot be set is no
+// failure, SqlModeNotice() says so.
 int ConnectDatabase(const char* server, const char* database, const char* user,
                     const char* password, int port);
+
+// The session sql_mode of the Corvana application's own server: no strict
+// modes and no zero-date checks, so "0000-00-00" means "no date" and an
+// over-long text is cut by the server. ConnectDatabase sets it right after
+// connecting and again on every reconnect, because a stock server starts
+// strict and would refuse such rows.
+constexpr const char* kCorvanaSqlMode = "NO_ENGINE_SUBSTITUTION";
+
+// After a successful ConnectDatabase: one line for the operator when the
+// session could not be given kCorvanaSqlMode, or when the server's own mode
+// differs from it (and this run therefore overrides it); empty otherwise.
+const std::string& SqlModeNotice();
 
 // Closes the connection. Returns 0.
 int CloseDatabase();

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "store/patient_store.h"
+#include "support/scratch_server.h"
 #include "support/test_database.h"
 
 namespace {
@@ -61,6 +62,29 @@ TEST_F(ConnectionTest, QueryResults) {
   while (MYSQL_ROW row = result.NextRow()) rows.push_back(std::string(row[0]) + "|" + (row[1] ? row[1] : "NULL"));
   EXPECT_EQ(rows, (std::vector<std::string>{"a|1", "b|NULL"}));
   EXPECT_FALSE(QuerySql("select nonsense from nowhere;", {}));
+}
+
+using ConnectionOnStockServerTest = OnStockServer<ConnectionTest>;
+
+// The session runs in the permissive mode, also after the library reconnected
+// by itself, so a zero date still lands.
+TEST_F(ConnectionOnStockServerTest, PermissiveModeHoldsAcrossReconnects) {
+  auto session_mode = [] {
+    SqlResult result = QuerySql("select @@session.sql_mode, connection_id();", {});
+    MYSQL_ROW row = result.NextRow();
+    return row != nullptr ? std::string(row[0]) + "|" + row[1] : std::string("no row");
+  };
+  std::string before = session_mode();
+  ASSERT_EQ(before.substr(0, before.find('|')), kCorvanaSqlMode);
+  EXPECT_NE(SqlModeNotice().find("STRICT_TRANS_TABLES"), std::string::npos) << SqlModeNotice();
+
+  Exec("kill " + before.substr(before.find('|') + 1));
+  QuerySql("select 1;", {});  // finds the link gone; the next statement reconnects
+  std::string after = session_mode();
+  EXPECT_NE(after, before);  // another connection
+  EXPECT_EQ(after.substr(0, after.find('|')), kCorvanaSqlMode);
+  EXPECT_EQ(ExecuteSql("insert into patient(patient_id,final_date) values('2012-0001','0000-00-00');", {}), 0)
+      << LastDbError();
 }
 
 }  // namespace

@@ -23,9 +23,11 @@ std::string Quote(const std::string& word) {
 }  // namespace
 
 ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& args) {
+  std::string errors_file = MakeTempDir() + "/stderr";
   std::string command = "cd " + Quote(dir) + " && " + Quote(CORVANA_BINARY);
   for (const std::string& arg : args) command += " " + Quote(arg);
-  ProgramRun run{-1, ""};
+  command += " 2>" + Quote(errors_file);
+  ProgramRun run{-1, "", ""};
   std::FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) return run;
   char buffer[4096];
@@ -33,6 +35,15 @@ ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& ar
   while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) run.output.append(buffer, n);
   int status = pclose(pipe);
   run.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  run.errors = ReadFile(errors_file);
+  std::filesystem::remove_all(std::filesystem::path(errors_file).parent_path());
+  // A crash, or a sanitizer's report in the sanitizer build, fails the test
+  // whatever the caller compares.
+  bool reported = run.errors.find("Sanitizer") != std::string::npos ||
+                  run.errors.find("runtime error:") != std::string::npos;
+  if (reported || (run.exit_code != 0 && run.exit_code != 1)) {
+    ADD_FAILURE() << "the program ended with " << run.exit_code << " and reported:\n" << run.errors;
+  }
   return run;
 }
 

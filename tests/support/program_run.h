@@ -8,6 +8,7 @@
 struct ProgramRun {
   int exit_code;
   std::string output;  // standard output, byte for byte
+  std::string errors;  // standard error: what the program tells the operator beyond the log
 };
 
 // Runs the program in `dir` (its current directory) with `args`.

@@ -57,8 +57,10 @@ TestServer TestServer::FromEnvironment() {
           Env("CORVANA_DB_USER", "corvana"), Env("CORVANA_DB_PASSWORD", "corvana")};
 }
 
-void DatabaseTest::SetUp() {
-  server_ = TestServer::FromEnvironment();
+void DatabaseTest::SetUp() { SetUpOn(TestServer::FromEnvironment()); }
+
+void DatabaseTest::SetUpOn(const TestServer& server) {
+  server_ = server;
   database_ = "corvana_test_" + std::to_string(getpid()) + "_" + std::to_string(++g_database_number);
   inspector_ = Connect(server_, nullptr);
   ASSERT_NE(inspector_, nullptr);

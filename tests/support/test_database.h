@@ -21,8 +21,13 @@ struct TestServer {
 
 class DatabaseTest : public ::testing::Test {
  protected:
+  // A fresh database on the shared test server.
   void SetUp() override;
   void TearDown() override;
+
+  // The same on `server` (a ScratchServer's): what SetUp does, for fixtures
+  // that need a server of their own.
+  void SetUpOn(const TestServer& server);
 
   // Runs statements (several may be separated by ';') on the inspection
   // connection; fails the test when the server refuses them.

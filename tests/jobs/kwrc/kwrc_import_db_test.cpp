@@ -6,13 +6,19 @@
 #include <string>
 
 #include "support/program_run.h"
+#include "support/scratch_server.h"
 #include "support/test_database.h"
 
 namespace {
 
-using KwrcImportTest = DatabaseTest;
+class KwrcImportTest : public DatabaseTest {
+ protected:
+  // Runs the sample year; its log from the job line on and every row it
+  // wrote must match the expected files. Returns what it printed on stderr.
+  std::string RunSampleYear();
+};
 
-TEST_F(KwrcImportTest, SampleYear) {
+std::string KwrcImportTest::RunSampleYear() {
   std::string dir = MakeTempDir();
   CopySamples("samples/kwrc", dir);
   WriteIni(dir);
@@ -22,7 +28,7 @@ TEST_F(KwrcImportTest, SampleYear) {
   EXPECT_EQ(run.exit_code, 0);
   std::string connected =
       "\n\nCorvanaDataImporter version 1.0 connected successfully to '" + server_.host + ":" + database_ + "'\n";
-  ASSERT_EQ(run.output.substr(0, connected.size()), connected);
+  EXPECT_EQ(run.output.substr(0, connected.size()), connected);
   ExpectMatchesFile(run.output.substr(connected.size()), "jobs/kwrc/expected/kwrc_2012.log");
   ExpectMatchesFile(
       Dump({{"patient",
@@ -36,12 +42,30 @@ TEST_F(KwrcImportTest, SampleYear) {
              "location,city,state,country"},
             {"transfers", "record_entry_id,patient_id,date,name,reason,country"}}),
       "jobs/kwrc/expected/kwrc_2012.rows");
+  return run.errors;
+}
+
+TEST_F(KwrcImportTest, SampleYear) {
+  EXPECT_EQ(RunSampleYear(), "");
 
   // The rules an operator would check first.
   EXPECT_EQ(Rows("select patient_id,status from patient where patient_id in ('012002','012004','012005','012011')"),
             (std::vector<std::string>{"012002|E24", "012004|D24", "012005|E", "012011|"}));
   EXPECT_EQ(Value("select band_number from releases where patient_id='012010'"), "CN-BJ-2012-0000");
   EXPECT_EQ(Value("select count(*) from patient where patient_id in ('012012','012013','012014')"), "0");
+}
+
+// A stock server starts strict; the run sets the Corvana server's permissive
+// mode for its session, so the same sample gives the same log and rows, and
+// the operator is told on stderr that the server's own mode differs.
+using KwrcImportOnStockServerTest = OnStockServer<KwrcImportTest>;
+
+TEST_F(KwrcImportOnStockServerTest, SampleYearGivesTheSameLogAndRows) {
+  ASSERT_NE(Value("select @@global.sql_mode").find("STRICT_TRANS_TABLES"), std::string::npos);
+  EXPECT_EQ(RunSampleYear(),
+            "The server's sql_mode is "
+            "'STRICT_TRANS_TABLES,NO_ZERO_IN_DATE,NO_ZERO_DATE,ERROR_FOR_DIVISION_BY_ZERO,NO_AUTO_CREATE_USER,"
+            "NO_ENGINE_SUBSTITUTION'; this run uses 'NO_ENGINE_SUBSTITUTION', as the Corvana server does\n");
 }
 
 TEST_F(KwrcImportTest, SplitKwrcAddress) {

@@ -1,0 +1,68 @@
+#include "support/scratch_server.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+
+namespace {
+
+// A port nobody listens on right now; the kernel hands out a free one.
+int FreePort() {
+  int fd = socket(AF_INET, SOCK_STREAM, 0);
+  if (fd < 0) return 0;
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  int port = 0;
+  if (bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+      getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length) == 0) {
+    port = ntohs(address.sin_port);
+  }
+  close(fd);
+  return port;
+}
+
+std::string Quote(const std::string& word) {
+  std::string quoted = "'";
+  for (char c : word) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
+}
+
+}  // namespace
+
+ScratchServer::ScratchServer(std::string sql_mode)
+    : dir_(MakeTempDir()), port_(FreePort()), sql_mode_(std::move(sql_mode)) {}
+
+ScratchServer::~ScratchServer() {
+  Stop();
+  std::error_code ignored;
+  std::filesystem::remove_all(dir_, ignored);
+}
+
+bool ScratchServer::Script(const std::string& command) {
+  std::string line = "CORVANA_DB_DIR=" + Quote(dir_) + " CORVANA_DB_PORT=" + std::to_string(port_) +
+                     " CORVANA_DB_SQL_MODE=" + Quote(sql_mode_) + " " + Quote(CORVANA_SOURCE_DIR "/scripts/db.sh") +
+                     " " + command + " 2>&1";
+  log_.clear();
+  std::FILE* pipe = popen(line.c_str(), "r");
+  if (pipe == nullptr) return false;
+  char buffer[1024];
+  std::size_t n;
+  while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) log_.append(buffer, n);
+  return pclose(pipe) == 0;
+}
+
+bool ScratchServer::Start() { return !dir_.empty() && port_ != 0 && Script("start"); }
+
+void ScratchServer::Stop() { Script("stop"); }
+
+TestServer ScratchServer::server() const {
+  // db.sh creates the same account as on the shared server.
+  TestServer shared = TestServer::FromEnvironment();
+  return {"127.0.0.1", port_, shared.user, shared.password};
+}
