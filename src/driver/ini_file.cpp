@@ -1,5 +1,10 @@
 #include "driver/ini_file.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -31,13 +36,20 @@ void Trim(std::string& text) {
 IniFile::IniFile(const char* path) : path_{} { path_ = path; }
 
 int IniFile::IniLoad() {
-  if (std::FILE* probe = std::fopen(path_.c_str(), "rb")) {
-    std::fclose(probe);
+  // Only a file that is not there at all is created. One that exists but
+  // cannot be read holds the operator's settings: it is never replaced.
+  struct stat info {};
+  if (stat(path_.c_str(), &info) == 0) {
+    if (!S_ISREG(info.st_mode)) return 1;
   } else {
-    std::FILE* created = std::fopen(path_.c_str(), "wb");
-    if (created == nullptr) return 1;
-    std::fputs("\n", created);
-    std::fclose(created);
+    if (errno != ENOENT) return 1;
+    // O_EXCL: never through a dangling link, never over a file that appeared
+    // meanwhile. Owner only, since the file will hold a password.
+    int created = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0600);
+    if (created < 0) return 1;
+    bool written = write(created, "\n", 1) == 1;
+    close(created);
+    if (!written) return 1;
   }
   LineReader reader(path_.c_str(), kMaxRead);
   if (!reader.is_open()) return 1;

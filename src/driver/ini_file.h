@@ -36,7 +36,9 @@ class IniFile {
   int IniGetInt(const char* section, const char* key, int fallback);
 
   // Loads the file; 0 on success, 1 when it can neither be created nor read
-  // (lookups then give their defaults and the next lookup tries again).
+  // (lookups then give their defaults and the next lookup tries again). A
+  // missing file is created with one empty line, readable by its owner only;
+  // an existing one is never written, even when it cannot be read.
   int IniLoad();
 
  private:

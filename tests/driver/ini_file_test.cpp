@@ -1,6 +1,8 @@
 #include "driver/ini_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <string>
 
@@ -20,6 +22,46 @@ TEST(IniFileTest, MissingFileIsCreatedAndGivesDefaults) {
   EXPECT_EQ(Get(ini, "MYSQL", "Server"), "<default>");
   EXPECT_EQ(ini.IniGetInt("MYSQL", "Port", 3306), 3306);
   EXPECT_EQ(ReadFile(path), "\n");
+  struct stat info {};
+  ASSERT_EQ(stat(path.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 0777, 0600u);  // it will hold a password
+}
+
+// A file that is there but cannot be read holds the operator's settings: the
+// lookups give their defaults (so the connection fails with its message) and
+// nothing is created or written in its place.
+TEST(IniFileTest, AnExistingFileIsNeverReplaced) {
+  std::string dir = MakeTempDir();
+  ASSERT_EQ(chmod(dir.c_str(), 0777), 0);
+  const std::string settings = "[MYSQL]\nServer=db.example\n";
+
+  std::string unreadable = dir + "/unreadable.ini";
+  WriteFile(unreadable, settings);
+  ASSERT_EQ(chmod(unreadable.c_str(), 0222), 0);  // writable, not readable
+  std::string folder = dir + "/folder.ini";
+  ASSERT_EQ(mkdir(folder.c_str(), 0755), 0);
+  std::string dangling = dir + "/dangling.ini";
+  ASSERT_EQ(symlink((dir + "/elsewhere.ini").c_str(), dangling.c_str()), 0);
+
+  // Root reads any file; look as an ordinary user would.
+  bool as_root = geteuid() == 0;
+  if (as_root) {
+    ASSERT_EQ(seteuid(65534), 0);
+  }
+  std::string results;
+  for (const std::string& path : {unreadable, folder, dangling}) {
+    IniFile ini(path.c_str());
+    results += Get(ini, "MYSQL", "Server") + "|" + std::to_string(ini.IniLoad()) + " ";
+  }
+  if (as_root) {
+    ASSERT_EQ(seteuid(0), 0);
+  }
+
+  EXPECT_EQ(results, "<default>|1 <default>|1 <default>|1 ");
+  EXPECT_EQ(ReadFile(unreadable), settings);
+  struct stat info {};
+  EXPECT_TRUE(stat(folder.c_str(), &info) == 0 && S_ISDIR(info.st_mode));
+  EXPECT_NE(lstat((dir + "/elsewhere.ini").c_str(), &info), 0);  // not created through the link
 }
 
 TEST(IniFileTest, ReadingRules) {
