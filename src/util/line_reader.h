@@ -1,6 +1,7 @@
 // Reads the lines of a text file exported on Windows, the way that system's
-// text mode reads them: CR LF comes back as LF, a Ctrl-Z ends the file, every
-// other byte (latin1 included) passes unchanged.
+// text mode reads them: CR LF comes back as LF, a Ctrl-Z ends the file (with
+// a notice on stderr when anything follows it), every other byte (latin1
+// included) passes unchanged.
 #pragma once
 
 #include <cstddef>
@@ -30,7 +31,9 @@ class LineReader {
   int NextByte();
 
   std::FILE* file_;
+  const std::string path_;  // for the Ctrl-Z notice
   const std::size_t max_chars_;
+  long long line_ = 1;  // line of the file the next byte belongs to
   bool at_end_ = false;
   bool last_was_cut_ = false;
 };

@@ -6,6 +6,8 @@
 #include <memory>
 #include <utility>
 
+#include "util/input_end.h"
+
 // Both live in their document's arena; `arena` lets the calls that get no
 // document (XmlAddAttribute, XmlSetText, XmlAppendChild) find it.
 struct XmlAttribute {
@@ -194,6 +196,7 @@ class TextInput {
       file_ = std::fopen(file_name, "rb");
       owned_ = true;
     }
+    file_name_ = file_name;
     return file_ != nullptr;
   }
 
@@ -220,6 +223,8 @@ class TextInput {
       }
     } else if (c == kCtrlZ) {
       at_end_ = true;
+      unsigned long long unread = static_cast<unsigned long long>(limit_ - cursor_) + CountUnreadBytes(file_);
+      ReportCtrlZ(file_name_, line_, unread);
       cursor_ = limit_;
       return kEndOfInput;
     }
@@ -245,6 +250,7 @@ class TextInput {
   }
 
   long long& line_;
+  const char* file_name_ = "";  // for the Ctrl-Z notice; the caller's text outlives the load
   std::FILE* file_ = nullptr;
   bool owned_ = false;
   std::unique_ptr<char[]> block_;

@@ -21,7 +21,7 @@
 //   XmlChildText(XmlFirstChild(XmlFirstChild(XmlRoot(document))), "GAN")
 //
 // Names (elements and attributes) compare ignoring ASCII letter case; all
-// other bytes compare exactly. Nothing here prints.
+// other bytes compare exactly. Nothing here prints on stdout.
 #pragma once
 
 #include "xml/xml_arena.h"
@@ -62,7 +62,8 @@ class XmlDocument {
 // the part of the tree read before the failure (always at least the root).
 //
 // The input is read as Windows text mode reads it: CR LF reads as LF, a byte
-// 0x1A (Ctrl-Z) ends the input, every other byte passes. Each line end (LF,
+// 0x1A (Ctrl-Z) ends the input (when anything follows it, one line on stderr
+// names the file, the line and the bytes not read), every other byte passes. Each line end (LF,
 // CR LF once, a lone CR) adds one to the line, inside tags too.
 //
 // The forgiving reading rules:

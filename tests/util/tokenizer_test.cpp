@@ -51,9 +51,19 @@ TEST(LineReaderTest, ReadsWindowsTextMode) {
   ASSERT_TRUE(reader.is_open());
   std::vector<std::string> lines;
   std::string line;
+  testing::internal::CaptureStderr();
   while (reader.ReadLine(line)) lines.push_back(line);
   EXPECT_EQ(lines, (std::vector<std::string>{"first\n", "second\rsti", "ll\n", "\xe9t\xe9\n", "0123456789",
                                              "ABC\n", "last"}));
+  // What a Ctrl-Z hides is named on stderr; a Ctrl-Z that ends the file is not.
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Note: '" + path + "' ends at a Ctrl-Z (byte 0x1A) on line 5; the 7 bytes after it were not read\n");
+  WriteFile(path, "one\r\ntwo\r\n\x1a");
+  LineReader dos_export(path.c_str(), 10);
+  testing::internal::CaptureStderr();
+  while (dos_export.ReadLine(line)) {
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   LineReader missing((dir + "/none.txt").c_str(), 10);
   EXPECT_FALSE(missing.is_open());
   EXPECT_FALSE(missing.ReadLine(line));

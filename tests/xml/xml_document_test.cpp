@@ -81,6 +81,19 @@ TEST_F(XmlFileTest, ReadsByTheForgivingRules) {
   }
 }
 
+// Input hidden behind a Ctrl-Z is named on stderr, counted across read blocks;
+// a Ctrl-Z at the very end of the file is silent.
+TEST_F(XmlFileTest, CtrlZWithInputAfterItIsReported) {
+  const std::string path = WriteFile("<a>\r\n<b/>\x1a" + std::string(100000, 'x') + "\n</a>");
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(XmlLoadFile(document_, path.c_str()), 1);  // the closing tag was never read
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Note: '" + path + "' ends at a Ctrl-Z (byte 0x1A) on line 2; the 100005 bytes after it were not read\n");
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Load("<a/>\r\n\x1a"), 0);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
 TEST_F(XmlFileTest, FailsWithMessageAndLine) {
   const std::string missing = (dir_ / "missing.xml").string();
   const struct {

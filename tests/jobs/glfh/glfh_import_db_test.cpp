@@ -14,10 +14,11 @@ class GlfhImportTest : public DatabaseTest {
  protected:
   // Runs the job in `dir` and returns what it printed after the connection
   // line, which names this test's own database.
-  std::string RunJob(const std::string& dir) {
+  std::string RunJob(const std::string& dir, const std::string& errors = "") {
     WriteIni(dir);
     ProgramRun run = RunProgram(dir, {"-org", "GLFH", "-type", "patient", "-year", "2012"});
     EXPECT_EQ(run.exit_code, 0);
+    EXPECT_EQ(run.errors, errors);
     std::string connected =
         "\n\nCorvanaDataImporter version 1.0 connected successfully to '" + server_.host + ":" + database_ + "'\n";
     EXPECT_EQ(run.output.substr(0, connected.size()), connected);
@@ -50,6 +51,20 @@ TEST_F(GlfhImportTest, SampleRegister) {
                  "where p.patient_id='00106' group by p.id"),
             std::vector<std::string>{"|0"});
   EXPECT_EQ(Value("select count(*) from record_entry where date < now() - interval 1 day"), "0");
+}
+
+// Lines after a Ctrl-Z are not imported, as the old system's text mode
+// would have it; the log stays the same and stderr tells the operator.
+TEST_F(GlfhImportTest, CtrlZInTheMiddleOfTheRegister) {
+  std::string dir = MakeTempDir();
+  CopySamples("samples/glfh", dir);
+  std::string path = dir + "/GLFH_Patients.txt";
+  std::string whole = ReadFile(path);
+  WriteFile(path, whole + "\x1a" + "999\tForgotten Falcon\r\n");
+  std::string log = RunJob(dir, "Note: './GLFH_Patients.txt' ends at a Ctrl-Z (byte 0x1A) on line " +
+                                    std::to_string(std::count(whole.begin(), whole.end(), '\n') + 1) +
+                                    "; the 22 bytes after it were not read\n");
+  EXPECT_EQ(log, ReadFile(CORVANA_SOURCE_DIR "/tests/jobs/glfh/expected/glfh_patients.log"));
 }
 
 TEST_F(GlfhImportTest, MissingRegister) {

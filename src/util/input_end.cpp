@@ -1,0 +1,16 @@
+#include "util/input_end.h"
+
+unsigned long long CountUnreadBytes(std::FILE* file) {
+  unsigned long long count = 0;
+  char block[64 * 1024];
+  std::size_t n;
+  while ((n = std::fread(block, 1, sizeof block, file)) > 0) count += n;
+  return count;
+}
+
+void ReportCtrlZ(const char* file_name, long long line, unsigned long long unread) {
+  if (unread == 0) return;
+  std::fflush(stdout);  // keeps the notice after the log lines it follows on a terminal
+  std::fprintf(stderr, "Note: '%s' ends at a Ctrl-Z (byte 0x1A) on line %lld; the %llu byte%s after it %s not read\n",
+               file_name, line, unread, unread == 1 ? "" : "s", unread == 1 ? "was" : "were");
+}
