@@ -15,6 +15,17 @@ void CopyWorking(const char* text, char (&work)[kWorkingSize]) {
   std::snprintf(work, sizeof work, "%s", text);
 }
 
+// Copies the formatted `date` (`length` bytes, as snprintf counted them) into
+// `out` only when all of it fits: a month or day of three digits must not be
+// cut into another, plausible date.
+bool CopyWhole(const char* date, int length, char* out, std::size_t out_size) {
+  if (length < 0 || static_cast<std::size_t>(length) >= out_size || static_cast<std::size_t>(length) >= kWorkingSize) {
+    return false;
+  }
+  std::memcpy(out, date, static_cast<std::size_t>(length) + 1);
+  return true;
+}
+
 }  // namespace
 
 int ParseSlashDate(const char* text, char* out, std::size_t out_size) {
@@ -39,8 +50,9 @@ int ParseSlashDate(const char* text, char* out, std::size_t out_size) {
     month = b;
     day = a;
   }
-  std::snprintf(out, out_size, "%.4d-%.2d-%.2d", year, month, day);
-  return 0;
+  char date[kWorkingSize];
+  int length = std::snprintf(date, sizeof date, "%.4d-%.2d-%.2d", year, month, day);
+  return CopyWhole(date, length, out, out_size) ? 0 : 1;
 }
 
 int ParseExportDate(char* text, char* out, std::size_t out_size) {
@@ -48,7 +60,8 @@ int ParseExportDate(char* text, char* out, std::size_t out_size) {
   CopyWorking(text, work);
   if (char* t = std::strchr(text, 'T')) {
     *t = '\0';
-    std::snprintf(out, out_size, "%s", text);
+    if (std::strlen(text) >= out_size) return -1;
+    std::memcpy(out, text, std::strlen(text) + 1);
     return 0;
   }
   work[std::strcspn(work, " ")] = '\0';
@@ -72,8 +85,9 @@ int ParseExportDate(char* text, char* out, std::size_t out_size) {
   } else if (year <= 99) {
     year += 1900;
   }
-  std::snprintf(out, out_size, "%d-%.2d-%.2d", year, month, day);
-  return 0;
+  char date[kWorkingSize];
+  int length = std::snprintf(date, sizeof date, "%d-%.2d-%.2d", year, month, day);
+  return CopyWhole(date, length, out, out_size) ? 0 : -1;
 }
 
 const char* NowTimestamp() {

@@ -11,14 +11,15 @@ TEST(DatesTest, ParseSlashDate) {
       {"3/4/2011", "2011-03-04"},     {"25/12/2010", "2010-12-25"}, {"13/14/2010", "2010-14-13"},
       {"3/4/11", "2011-03-04"},       {"3/4/99", "2099-03-04"},     {"3/4/1950", "1950-03-04"},
       {"3/4/2016", "2016-03-04"},     {"3/4/2011 10:15", "2011-03-04"}, {"//2011", "2011-00-00"},
-      {"0/31/2011", "2011-00-31"},    {"5/123/2011", "2011-05-12"},  // "2011-05-123" does not fit
+      {"0/31/2011", "2011-00-31"},
   };
   for (const auto& [input, expected] : good) {
     Text<11> out{};
     EXPECT_EQ(ParseSlashDate(input, out), 0) << input;
     EXPECT_EQ(out, expected) << input;
   }
-  for (const char* bad : {"3/4/1949", "3/4/2017", "3-4-2011", "3/4", "", "2011"}) {
+  // A month or day of three digits does not fit the field and is never cut into another date.
+  for (const char* bad : {"3/4/1949", "3/4/2017", "3-4-2011", "3/4", "", "2011", "5/123/2011", "123/4/2011"}) {
     Text<11> out{};
     out = "untouched";
     EXPECT_EQ(ParseSlashDate(bad, out), 1) << bad;
@@ -43,8 +44,14 @@ TEST(DatesTest, ParseExportDate) {
   EXPECT_EQ(ParseExportDate(with_time, out), 0);
   EXPECT_EQ(out, "2014-05-12");
   EXPECT_STREQ(with_time, "2014-05-12");  // the caller's text is shortened
-  char too_short[] = "5/12";
-  EXPECT_EQ(ParseExportDate(too_short, out), -1);
+  for (const char* bad : {"5/12", "5/123/2014", "2014-05-12"}) {  // the last two would need 11 and 12 bytes
+    char text[32];
+    std::snprintf(text, sizeof text, "%s", bad);
+    Text<11> date{};
+    date = "untouched";
+    EXPECT_EQ(ParseExportDate(text, date), -1) << bad;
+    EXPECT_EQ(date, "untouched") << bad;
+  }
 }
 
 TEST(DatesTest, NowTimestampShape) {
