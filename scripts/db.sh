@@ -11,7 +11,9 @@
 # Environment: CORVANA_DB_DIR (default <repo>/build/db), CORVANA_DB_PORT (3399),
 # CORVANA_DB_USER (corvana), CORVANA_DB_PASSWORD (corvana), CORVANA_DB_SQL_MODE
 # (the server's global sql_mode, default NO_ENGINE_SUBSTITUTION as on the
-# Corvana application's server; the tests start a second, strict server with it).
+# Corvana application's server; the tests start a second, strict server with it),
+# CORVANA_DB_SERVER_ARGS (further server options, split at blanks, such as the
+# TLS certificates of the tests' TLS server).
 #
 # The server listens on 127.0.0.1 only and keeps everything (data, socket, pid,
 # log) inside the db dir, so it runs as root or as an ordinary user alike.
@@ -23,6 +25,7 @@ port=${CORVANA_DB_PORT:-3399}
 user=${CORVANA_DB_USER:-corvana}
 password=${CORVANA_DB_PASSWORD:-corvana}
 sql_mode=${CORVANA_DB_SQL_MODE-NO_ENGINE_SUBSTITUTION}
+read -r -a server_args <<<"${CORVANA_DB_SERVER_ARGS:-}"
 
 die() { echo "db.sh: $*" >&2; exit 1; }
 
@@ -96,6 +99,7 @@ cmd_start() {
     --character-set-server=latin1 --collation-server=latin1_swedish_ci \
     --skip-log-bin --innodb-flush-log-at-trx-commit=2 --innodb-doublewrite=0 \
     --innodb-buffer-pool-size=64M --innodb-log-file-size=16M \
+    "${server_args[@]}" \
     </dev/null >>"$log" 2>&1 &
   local pid=$!
 

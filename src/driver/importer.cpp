@@ -6,11 +6,45 @@
 #include "driver/dispatch.h"
 #include "driver/ini_file.h"
 #include "store/connection.h"
+#include "util/strings.h"
 #include "util/text.h"
 
 namespace {
 constexpr const char* kProgramName = "CorvanaDataImporter";
 constexpr const char* kVersion = "1.0";
+struct SslModeName {
+  const char* name;
+  SslMode mode;
+};
+
+constexpr SslModeName kSslModes[] = {
+    {"preferred", SslMode::kPreferred},
+    {"required", SslMode::kRequired},
+    {"verify", SslMode::kVerify},
+};
+
+// The optional keys of section "MYSQL" beyond the five connection settings.
+// Returns false, after saying why on stderr, for a TLS mode it does not know:
+// a connection is never made less safe than the operator asked.
+bool ReadConnectOptions(ConnectOptions& options) {
+  options.reconnect_seconds = g_config.IniGetInt("MYSQL", "ReconnectSeconds", options.reconnect_seconds);
+  if (options.reconnect_seconds < 0) options.reconnect_seconds = 0;
+  Text<128> ssl_mode{};
+  Text<128> ssl_ca{};
+  g_config.IniGetString("MYSQL", "SslMode", "preferred", ssl_mode);
+  g_config.IniGetString("MYSQL", "SslCa", "", ssl_ca);
+  options.ssl_ca = ssl_ca.c_str();
+  for (const SslModeName& known : kSslModes) {
+    if (EqualsNoCase(known.name, ssl_mode.c_str())) {
+      options.ssl_mode = known.mode;
+      return true;
+    }
+  }
+  std::fprintf(stderr, "Unknown SslMode '%s' in the configuration file: use preferred, required or verify\n",
+               ssl_mode.c_str());
+  return false;
+}
+
 }  // namespace
 
 int ConnectFromConfig() {
@@ -24,9 +58,16 @@ int ConnectFromConfig() {
   g_config.IniGetString("MYSQL", "Username", "", user);
   g_config.IniGetString("MYSQL", "Password", "", password);
 
-  if (ConnectDatabase(server.c_str(), database.c_str(), user.c_str(), password.c_str(), port) != 0) {
+  ConnectOptions options;
+  bool options_valid = ReadConnectOptions(options);
+  if (!options_valid ||
+      ConnectDatabase(server.c_str(), database.c_str(), user.c_str(), password.c_str(), port, options) != 0) {
     std::printf("Can't connect to '%s' on '%s:%d' as user '%s'!\n", database.c_str(), server.c_str(), port,
                 user.c_str());
+    if (options_valid) {
+      std::fflush(stdout);
+      std::fprintf(stderr, "The server said: %s\n", LastDbError());
+    }
     return 1;
   }
   std::printf("\n\n%s version %s connected successfully to '%s:%s'\n", kProgramName, kVersion, server.c_str(),

@@ -1,23 +1,91 @@
 #include "store/connection.h"
 
+#include <errmsg.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
 #include <cstring>
+#include <thread>
 
 namespace {
 
 MYSQL g_connection;
-// Our own reason when a statement was refused before it was sent; empty when
-// the last failure, if any, was the server's.
-std::string g_refusal;
+ConnectOptions g_options;
+// Why the last statement failed: our own reason when it was refused before
+// sending, else the server's or the library's words at the time it failed
+// (the waiting below runs other calls that would overwrite the library's).
+std::string g_failure;
 std::string g_last_error;
 std::string g_statement;  // reused so a run does not allocate per statement
 std::string g_sql_mode_notice;
+// Set when the server stayed away past the limit: from then on statements
+// fail at once, as they would without waiting, until one gets through.
+bool g_gave_up_waiting = false;
 
 bool Prepare(const char* statement, std::initializer_list<SqlArg> args) {
-  g_refusal.clear();
+  g_failure.clear();
   std::string reason;
   if (FormatSql(g_statement, reason, statement, args)) return true;
-  g_refusal = "Statement not sent: " + reason;
+  g_failure = "Statement not sent: " + reason;
   return false;
+}
+
+// The library's errors for a statement that never reached the server: the
+// link was found gone before sending and could not be made again.
+bool NeverReachedServer(unsigned error) {
+  return error == CR_SERVER_GONE_ERROR || error == CR_CONN_HOST_ERROR || error == CR_CONNECTION_ERROR ||
+         error == CR_SERVER_LOST_EXTENDED;
+}
+
+// Waits for the server to answer again, pinging (which reconnects, with the
+// session's sql_mode and database) after pauses that grow from a tenth of a
+// second to two seconds, for at most the configured limit. Returns true
+// when it is back.
+bool WaitForServer(const char* why) {
+  using Clock = std::chrono::steady_clock;
+  if (g_gave_up_waiting || g_options.reconnect_seconds <= 0) return false;
+  const auto start = Clock::now();
+  const auto limit = std::chrono::seconds(g_options.reconnect_seconds);
+  std::fflush(stdout);  // keeps the notices in place among the log lines on a terminal
+  std::fprintf(stderr, "Lost the database server (%s); waiting up to %d s for it to come back\n", why,
+               g_options.reconnect_seconds);
+  auto pause = std::chrono::milliseconds(100);
+  while (Clock::now() - start < limit) {
+    auto left = std::chrono::duration_cast<std::chrono::milliseconds>(limit - (Clock::now() - start));
+    std::this_thread::sleep_for(std::min(pause, left));
+    pause = std::min(pause * 2, std::chrono::milliseconds(2000));
+    if (mysql_ping(&g_connection) == 0) {
+      double waited = std::chrono::duration<double>(Clock::now() - start).count();
+      std::fprintf(stderr, "The database server is back after %.1f s; going on\n", waited);
+      return true;
+    }
+  }
+  std::fprintf(stderr, "The database server did not come back within %d s; statements fail until it does\n",
+               g_options.reconnect_seconds);
+  g_gave_up_waiting = true;
+  return false;
+}
+
+// Sends the prepared statement. When the server has gone away, waits for it
+// (so that the job's next statement finds it back) and sends again a
+// statement that never reached it; one whose outcome is unknown (the link
+// dropped while it ran) is sent again only when it is `idempotent` (a read).
+// Returns the library's result of the last attempt.
+int Send(bool idempotent) {
+  for (;;) {
+    int result = mysql_real_query(&g_connection, g_statement.data(), g_statement.size());
+    if (result == 0) {
+      g_gave_up_waiting = false;
+      return 0;
+    }
+    unsigned error = mysql_errno(&g_connection);
+    g_failure = mysql_error(&g_connection);
+    bool never_reached = NeverReachedServer(error);
+    if (!never_reached && error != CR_SERVER_LOST) return result;
+    bool back = WaitForServer(g_failure.c_str());
+    if (!back || !(never_reached || idempotent)) return result;
+  }
 }
 
 // True when `mode` holds a flag that `permissive` does not: a stricter mode.
@@ -58,10 +126,25 @@ void UseCorvanaSqlMode() {
   }
 }
 
+// TLS as the mode asks: "preferred" when the server offers it, "required"
+// or no connection, "verify" also checks the certificate against the CA file
+// and its name against the server's.
+void SetTls(const ConnectOptions& options) {
+  // Asks for TLS whenever the server offers it (the library's "enforce"
+  // option only switches this on; "required" is checked after connecting).
+  my_bool use_tls = 1;
+  mysql_options(&g_connection, MYSQL_OPT_SSL_ENFORCE, &use_tls);
+  if (!options.ssl_ca.empty()) mysql_options(&g_connection, MYSQL_OPT_SSL_CA, options.ssl_ca.c_str());
+  my_bool verify = options.ssl_mode == SslMode::kVerify;
+  mysql_options(&g_connection, MYSQL_OPT_SSL_VERIFY_SERVER_CERT, &verify);
+}
+
 }  // namespace
 
-int ConnectDatabase(const char* server, const char* database, const char* user,
-                    const char* password, int port) {
+int ConnectDatabase(const char* server, const char* database, const char* user, const char* password, int port,
+                    const ConnectOptions& options) {
+  g_options = options;
+  g_gave_up_waiting = false;
   mysql_init(&g_connection);
   my_bool reconnect = 1;
   mysql_options(&g_connection, MYSQL_OPT_RECONNECT, &reconnect);
@@ -69,18 +152,37 @@ int ConnectDatabase(const char* server, const char* database, const char* user,
   // client library would otherwise speak utf8mb4 and the server would turn
   // every byte above 127 into '?'.
   mysql_options(&g_connection, MYSQL_SET_CHARSET_NAME, "latin1");
+  // A server host that does not answer must not hold each reconnect attempt
+  // for the system's two-minute default.
+  unsigned int connect_timeout = 10;
+  mysql_options(&g_connection, MYSQL_OPT_CONNECT_TIMEOUT, &connect_timeout);
+  SetTls(options);
   if (mysql_real_connect(&g_connection, server, user, password, nullptr,
                          static_cast<unsigned int>(port), nullptr, 0) == nullptr) {
+    g_failure = mysql_error(&g_connection);
     // Frees what the library allocated for the options; the run ends here anyway.
     mysql_close(&g_connection);
     return 1;
   }
+  // This client library enforces TLS only together with verification; a
+  // server without TLS is therefore refused here, before any statement.
+  if (options.ssl_mode == SslMode::kRequired && mysql_get_ssl_cipher(&g_connection) == nullptr) {
+    g_failure = "SslMode=required, but the server does not offer TLS";
+    mysql_close(&g_connection);
+    return 1;
+  }
   if (mysql_select_db(&g_connection, database) != 0) {
+    g_failure = mysql_error(&g_connection);
     mysql_close(&g_connection);
     return 1;
   }
   UseCorvanaSqlMode();
   return 0;
+}
+
+const char* ConnectionCipher() {
+  const char* cipher = mysql_get_ssl_cipher(&g_connection);
+  return cipher != nullptr ? cipher : "";
 }
 
 const std::string& SqlModeNotice() { return g_sql_mode_notice; }
@@ -91,7 +193,7 @@ int CloseDatabase() {
 }
 
 const char* LastDbError() {
-  g_last_error = g_refusal.empty() ? mysql_error(&g_connection) : g_refusal;
+  g_last_error = g_failure;
   return g_last_error.c_str();
 }
 
@@ -110,15 +212,17 @@ std::string EscapeSqlText(std::string_view text) {
 
 int ExecuteSql(const char* statement, std::initializer_list<SqlArg> args) {
   if (!Prepare(statement, args)) return 1;
-  return mysql_real_query(&g_connection, g_statement.data(), g_statement.size());
+  return Send(false);
 }
 
 long long LastInsertId() { return static_cast<long long>(mysql_insert_id(&g_connection)); }
 
 SqlResult QuerySql(const char* statement, std::initializer_list<SqlArg> args) {
   if (!Prepare(statement, args)) return SqlResult();
-  if (mysql_real_query(&g_connection, g_statement.data(), g_statement.size()) != 0) return SqlResult();
-  return SqlResult(mysql_store_result(&g_connection));
+  if (Send(true) != 0) return SqlResult();
+  MYSQL_RES* result = mysql_store_result(&g_connection);
+  if (result == nullptr && mysql_errno(&g_connection) != 0) g_failure = mysql_error(&g_connection);
+  return SqlResult(result);
 }
 
 SqlResult::~SqlResult() {

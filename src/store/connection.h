@@ -15,13 +15,32 @@
 #include "store/sql.h"
 #include "util/text.h"
 
+// How the connection is made and kept, beyond server, port and credentials.
+enum class SslMode {
+  kPreferred,  // TLS whenever the server offers it, plain otherwise
+  kRequired,   // TLS or no connection
+  kVerify,     // TLS, the server's certificate checked against ssl_ca and its name against the server's
+};
+
+struct ConnectOptions {
+  // How long a statement waits for a server that went away (a restart)
+  // before it fails; 0 fails at once.
+  int reconnect_seconds = 60;
+  SslMode ssl_mode = SslMode::kPreferred;
+  std::string ssl_ca;  // CA certificate file; empty for none
+};
+
 // Connects to `server`:`port` as `user` (no default database, reconnecting by
 // itself when the link drops), selects `database` and sets the session's
-// sql_mode (see kCorvanaSqlMode). Returns 0 when connected, 1 on failure (the
-// half-made connection is closed again); a mode that cannot be set is no
+// sql_mode (see kCorvanaSqlMode). Returns 0 when connected, 1 on failure,
+// also when the TLS mode refuses the connection (the half-made connection is
+// closed again; LastDbError says why); a mode that cannot be set is no
 // failure, SqlModeNotice() says so.
-int ConnectDatabase(const char* server, const char* database, const char* user,
-                    const char* password, int port);
+int ConnectDatabase(const char* server, const char* database, const char* user, const char* password, int port,
+                    const ConnectOptions& options = {});
+
+// The TLS cipher of the connection, or "" when it is not encrypted.
+const char* ConnectionCipher();
 
 // The session sql_mode of the Corvana application's own server: no strict
 // modes and no zero-date checks, so "0000-00-00" means "no date" and an
@@ -73,6 +92,13 @@ void EscapeSql(Text<N>& text) {
 // Formats `statement` with `args` (see FormatSql) and sends it. Returns 0 on
 // success; the library's non-zero code when the server refused it; 1 when it
 // was refused before sending (LastDbError says why).
+//
+// When the server has gone away (a restart), the statement waits for it, with
+// a notice on stderr, up to ConnectOptions::reconnect_seconds: a statement
+// that never reached the server is then sent again; one whose outcome is
+// unknown because the link dropped while it ran fails, so that the job
+// reports it rather than risk writing a row twice. Once the limit has passed
+// without the server, statements fail at once until one gets through.
 int ExecuteSql(const char* statement, std::initializer_list<SqlArg> args);
 
 // The automatic key of the row the last insert created.
@@ -101,7 +127,9 @@ class SqlResult {
 };
 
 // Formats and sends a SELECT and takes its whole result. An empty SqlResult
-// means failure (LastDbError says why) or no result set.
+// means failure (LastDbError says why) or no result set. Waits for a server
+// that went away like ExecuteSql, and being a read, is sent again also when
+// the link dropped while it ran.
 SqlResult QuerySql(const char* statement, std::initializer_list<SqlArg> args);
 
 // Copies a column into `field`, a null column as the empty text.

@@ -5,6 +5,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <csignal>
+#include <cstdlib>
+
 #include <cstdio>
 #include <filesystem>
 
@@ -35,8 +38,8 @@ std::string Quote(const std::string& word) {
 
 }  // namespace
 
-ScratchServer::ScratchServer(std::string sql_mode)
-    : dir_(MakeTempDir()), port_(FreePort()), sql_mode_(std::move(sql_mode)) {}
+ScratchServer::ScratchServer(std::string sql_mode, std::string server_args)
+    : dir_(MakeTempDir()), port_(FreePort()), sql_mode_(std::move(sql_mode)), server_args_(std::move(server_args)) {}
 
 ScratchServer::~ScratchServer() {
   Stop();
@@ -46,7 +49,8 @@ ScratchServer::~ScratchServer() {
 
 bool ScratchServer::Script(const std::string& command) {
   std::string line = "CORVANA_DB_DIR=" + Quote(dir_) + " CORVANA_DB_PORT=" + std::to_string(port_) +
-                     " CORVANA_DB_SQL_MODE=" + Quote(sql_mode_) + " " + Quote(CORVANA_SOURCE_DIR "/scripts/db.sh") +
+                     " CORVANA_DB_SQL_MODE=" + Quote(sql_mode_) + " CORVANA_DB_SERVER_ARGS=" + Quote(server_args_) +
+                     " " + Quote(CORVANA_SOURCE_DIR "/scripts/db.sh") +
                      " " + command + " 2>&1";
   log_.clear();
   std::FILE* pipe = popen(line.c_str(), "r");
@@ -57,9 +61,25 @@ bool ScratchServer::Script(const std::string& command) {
   return pclose(pipe) == 0;
 }
 
-bool ScratchServer::Start() { return !dir_.empty() && port_ != 0 && Script("start"); }
+bool ScratchServer::Start() {
+  if (dir_.empty()) return false;
+  // The free port may be taken meanwhile (as the local end of some client's
+  // connection): try another.
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    if (port_ != 0 && Script("start")) return true;
+    port_ = FreePort();
+  }
+  return false;
+}
 
 void ScratchServer::Stop() { Script("stop"); }
+
+void ScratchServer::Kill() {
+  std::string pid_text = ReadFile(dir_ + "/mariadb.pid");
+  pid_t pid = static_cast<pid_t>(std::atol(pid_text.c_str()));
+  if (pid <= 0 || kill(pid, SIGKILL) != 0) return;
+  for (int waited = 0; waited < 300 && kill(pid, 0) == 0; ++waited) usleep(10000);
+}
 
 TestServer ScratchServer::server() const {
   // db.sh creates the same account as on the shared server.

@@ -11,8 +11,9 @@
 
 class ScratchServer {
  public:
-  // `sql_mode` becomes the server's global mode (the default of its sessions).
-  explicit ScratchServer(std::string sql_mode);
+  // `sql_mode` becomes the server's global mode (the default of its
+  // sessions); `server_args` are further server options, separated by blanks.
+  explicit ScratchServer(std::string sql_mode, std::string server_args = "");
   ~ScratchServer();
   ScratchServer(const ScratchServer&) = delete;
   ScratchServer& operator=(const ScratchServer&) = delete;
@@ -23,6 +24,10 @@ class ScratchServer {
 
   // Shuts the server down and waits for it to end.
   void Stop();
+
+  // Kills the server at once (SIGKILL), as a crash or a power cut would, and
+  // waits for the process to be gone.
+  void Kill();
 
   // Where the server listens, with the shared server's user and password.
   TestServer server() const;
@@ -35,6 +40,7 @@ class ScratchServer {
   std::string dir_;
   int port_;
   std::string sql_mode_;
+  std::string server_args_;
   std::string log_;  // output of the last script run
 };
 

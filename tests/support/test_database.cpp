@@ -19,6 +19,8 @@ std::string Env(const char* name, const char* fallback) {
 MYSQL* Connect(const TestServer& server, const char* database) {
   MYSQL* connection = mysql_init(nullptr);
   mysql_options(connection, MYSQL_SET_CHARSET_NAME, "latin1");
+  my_bool use_tls = 1;  // whenever the server offers it
+  mysql_options(connection, MYSQL_OPT_SSL_ENFORCE, &use_tls);
   if (mysql_real_connect(connection, server.host.c_str(), server.user.c_str(), server.password.c_str(), database,
                          static_cast<unsigned>(server.port), nullptr, CLIENT_MULTI_STATEMENTS) == nullptr) {
     std::string error = mysql_error(connection);
@@ -80,6 +82,11 @@ void DatabaseTest::TearDown() {
     mysql_close(inspector_);
     inspector_ = nullptr;
   }
+}
+
+void DatabaseTest::ReconnectInspector() {
+  if (inspector_ != nullptr) mysql_close(inspector_);
+  inspector_ = Connect(server_, database_.c_str());
 }
 
 void DatabaseTest::Exec(const std::string& sql) {

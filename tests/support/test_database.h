@@ -29,6 +29,9 @@ class DatabaseTest : public ::testing::Test {
   // that need a server of their own.
   void SetUpOn(const TestServer& server);
 
+  // Opens the inspection connection again, after its server was restarted.
+  void ReconnectInspector();
+
   // Runs statements (several may be separated by ';') on the inspection
   // connection; fails the test when the server refuses them.
   void Exec(const std::string& sql);
