@@ -460,6 +460,7 @@ bool ImportLine(const std::string& text, SbrRun& run) {
   SetDefaults(c);
   Tokenizer tokenizer(text);
   int found = TakeFields(tokenizer, c.column, kColumnCount, "\t", "\t\r\n");
+  if (found == 0) return false;  // separators only
   // On a short line the last cell still holds the line end.
   if (found < kColumnCount) TrimRight(c.column[found - 1]);
 

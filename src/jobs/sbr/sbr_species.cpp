@@ -58,8 +58,8 @@ void FillSpecies(char* const column[kColumnCount], SpeciesRecord& species) {
 bool ImportLine(const std::string& text) {
   Tokenizer tokenizer(text);
   char* column[kColumnCount];
-  int found = TakeFields(tokenizer, column, 1, "\t", "\t");
-  found += TakeFields(tokenizer, column + 1, kColumnCount - 1, "\t\r\n", "\t\r\n");
+  if (TakeFields(tokenizer, column, 1, "\t", "\t") == 0) return false;  // separators only
+  int found = 1 + TakeFields(tokenizer, column + 1, kColumnCount - 1, "\t\r\n", "\t\r\n");
   if (found < kColumnCount) TrimRight(column[0]);  // a line without a tab keeps its line end here
   if (!HasFields(found, kColumnCount, column[kCommonName])) return false;
 
