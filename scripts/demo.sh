@@ -4,7 +4,7 @@
 # running; stop it with scripts/db.sh stop).
 #
 #   scripts/demo.sh          every sample job
-#   scripts/demo.sh kwrc     only one organisation's jobs (kwrc, dswc, glfh, uprc, repairs)
+#   scripts/demo.sh kwrc     only one organisation's jobs (kwrc, dswc, glfh, uprc, sbr, repairs)
 set -euo pipefail
 repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$repo"
@@ -84,6 +84,29 @@ demo_uprc() {
   show uprc
 }
 
+# Each SBR centre has its own database: Los Angeles gets every job, San
+# Francisco its species and patients from the same samples.
+demo_sbr() {
+  prepare sbr
+  run sbr -org SBR_LA -type species -year 2016
+  run sbr -org SBR_LA -type patient -year 2016 -region LA
+  run sbr -org SBR_LA -type band_sightings -year 2016
+  echo
+  run sbr -org SBR_LA -type necropsy -year 2016
+  show sbr
+  scripts/db.sh sql demo_sbr -t <<'SQL'
+select 'band_report' as `table`, count(*) as `rows` from band_report
+union all select 'biometric', count(*) from biometric;
+select patient_id, species, status, admission_date, final_date, band, aux_marker from patient limit 8;
+SQL
+  mkdir -p "$work/sbr_sf"
+  cp -r samples/sbr/. "$work/sbr_sf/"
+  scripts/db.sh create demo_sbr_sf "$work/sbr_sf" >/dev/null
+  run sbr_sf -org SBR_SF -type species -year 2016
+  run sbr_sf -org SBR_SF -type patient -year 2016 -region SF
+  show sbr_sf
+}
+
 demo_repairs() {
   prepare repairs
   scripts/db.sh sql demo_repairs < "$work/repairs/seed.sql"
@@ -94,7 +117,7 @@ demo_repairs() {
 }
 
 orgs=("$@")
-[ $# -eq 0 ] && orgs=(kwrc dswc glfh uprc repairs)
+[ $# -eq 0 ] && orgs=(kwrc dswc glfh uprc sbr repairs)
 for org in "${orgs[@]}"; do
   declare -F "demo_$org" >/dev/null || { echo "demo.sh: no demo for '$org'" >&2; exit 1; }
   "demo_$org"

@@ -11,6 +11,10 @@
 #include "jobs/repairs/enrichment_repair.h"
 #include "jobs/repairs/line_length_repair.h"
 #include "jobs/repairs/transfer_repairs.h"
+#include "jobs/sbr/band_sightings.h"
+#include "jobs/sbr/necropsy_import.h"
+#include "jobs/sbr/sbr_patients.h"
+#include "jobs/sbr/sbr_species.h"
 #include "jobs/uprc/uprc_import.h"
 #include "util/strings.h"
 
@@ -43,6 +47,16 @@ constexpr JobRow kJobs[] = {
     {"DsWC", "address_book", TypeMatch::kExact, [](const RunOptions&) { ImportDswcAddressBook(); }},
     {"GLFH", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportGlfhPatients(); }},
     {"UPRC", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportUprcPatients(options.year); }},
+    {"SBR_LA", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportSbrPatients(options.region.c_str()); }},
+    {"SBR_SF", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportSbrPatients(options.region.c_str()); }},
+    {"SBR_LA", "species", TypeMatch::kExact, [](const RunOptions&) { ImportSbrSpecies(); }},
+    {"SBR_SF", "species", TypeMatch::kExact, [](const RunOptions&) { ImportSbrSpecies(); }},
+    {"SBR_LA", "band_sightings", TypeMatch::kExact,
+     [](const RunOptions&) { ImportBandSightings("./BandSightings/", "BandSightings.txt", 0); }},
+    {"SBR_SF", "band_sightings", TypeMatch::kExact,
+     [](const RunOptions&) { ImportBandSightings("./BandSightings/", "BandSightings.txt", 0); }},
+    {"SBR_LA", "necropsy", TypeMatch::kExact, [](const RunOptions&) { ImportNecropsyReports(); }},
+    {"SBR_SF", "necropsy", TypeMatch::kExact, [](const RunOptions&) { ImportNecropsyReports(); }},
     {nullptr, "fixTransfers", TypeMatch::kRepair, [](const RunOptions&) { fixTransfers(); }},
     {nullptr, "fix180DayReports", TypeMatch::kRepair, [](const RunOptions&) { fix180DayReports(); }},
     {nullptr, "fixLineLengths", TypeMatch::kRepair, [](const RunOptions&) { fixLineLengths(false); }},

@@ -2,15 +2,27 @@
 
 #include <cstdio>
 
-bool InsertPatientWithFinder(PatientRecord& patient, const PatientFinderInfo& finder) {
+#include "store/connection.h"
+#include "store/record_entry_store.h"
+#include "util/dates.h"
+
+bool InsertPatientWithFinder(PatientRecord& patient, const PatientFinderInfo& finder, const char* shown_as) {
   const char* patient_id = patient.patient_id.c_str();
+  if (shown_as == nullptr) shown_as = patient_id;
   if (InsertPatient(patient) != 0) {
-    std::printf("\tERROR - Unable to create patient record for '%s'\n", patient_id);
+    std::printf("\tERROR - Unable to create patient record for '%s'\n", shown_as);
     return false;
   }
   if (UpdatePatientFinderInfo(patient_id, finder) != 0) {
-    std::printf("\tERROR - Unable to update patient finder info for '%s'\n", patient_id);
+    std::printf("\tERROR - Unable to update patient finder info for '%s'\n", shown_as);
     return false;
   }
   return true;
+}
+
+int InsertImportNote(const PatientRecord& patient) {
+  Text<128> note{};
+  note = "Patient record imported into Corvana\n-------------------------------------\n";
+  EscapeSql(note);
+  return InsertRecordEntry(patient.id, note.c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0');
 }

@@ -58,3 +58,16 @@ bool HasFields(int found, int needed, const char* identity) {
               identity != nullptr ? identity : "");
   return false;
 }
+
+int TakeEveryField(Tokenizer& tokenizer, char** fields, int count, const char* separators) {
+  int found = 0;
+  for (int i = 0; i < count; ++i) fields[i] = nullptr;
+  for (int i = 0; i < count; ++i) {
+    fields[i] = tokenizer.NextField(separators);
+    if (fields[i] == nullptr) break;
+    ++found;
+  }
+  return found;
+}
+
+bool IsBlankLine(std::string_view line) { return line.find_first_not_of(" \t\r\n") == std::string_view::npos; }

@@ -42,3 +42,13 @@ int TakeFields(Tokenizer& tokenizer, char** fields, int count, const char* separ
 // prints "\tERROR - only %d of %d fields for '%s', line skipped\n" with the
 // line's identity (case number, contact) and returns false.
 bool HasFields(int found, int needed, const char* identity);
+
+// Takes up to `count` fields with NextField(), so empty cells keep their
+// place. Returns how many fields the line has (at most `count`): one more
+// than the separators met, so a line whose fields 0..k-1 are each followed
+// by a separator gives at least k + 1. The missing fields are left null.
+int TakeEveryField(Tokenizer& tokenizer, char** fields, int count, const char* separators);
+
+// True when `line` holds nothing but blanks, tabs and line ends: it carries
+// no record at all.
+bool IsBlankLine(std::string_view line);

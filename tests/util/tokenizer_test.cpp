@@ -36,6 +36,25 @@ TEST(TokenizerTest, SeparatorRulesAndTakeFields) {
   EXPECT_STREQ(two[1], "b c");
 }
 
+TEST(TokenizerTest, TakeEveryFieldCountsTheSeparators) {
+  const char* const cases[][2] = {  // line, fields found of at most 4, joined by '|'
+      {"a\t\tc", "3:a||c"}, {"a\tb\t", "3:a|b|"}, {"", "1:"}, {"a\tb\tc\td\te", "4:a|b|c|d"}, {"\t", "2:|"}};
+  for (const auto& [line, expected] : cases) {
+    Tokenizer tokenizer(line);
+    char* fields[4];
+    int found = TakeEveryField(tokenizer, fields, 4, "\t");
+    std::string joined = std::to_string(found) + ":";
+    for (int i = 0; i < found; ++i) joined += std::string(i > 0 ? "|" : "") + fields[i];
+    EXPECT_EQ(joined, expected) << line;
+    if (found < 4) {
+      EXPECT_EQ(fields[found], nullptr) << line;
+    }
+  }
+  EXPECT_TRUE(IsBlankLine(" \t\r\n"));
+  EXPECT_TRUE(IsBlankLine(""));
+  EXPECT_FALSE(IsBlankLine("\t.\n"));
+}
+
 TEST(TokenizerTest, HasFieldsReportsShortLines) {
   testing::internal::CaptureStdout();
   EXPECT_TRUE(HasFields(14, 14, "12345"));

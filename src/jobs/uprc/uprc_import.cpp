@@ -59,13 +59,6 @@ bool WriteProblems(const char* list, const PatientRecord& patient) {
   return written;
 }
 
-int WriteImportNote(const PatientRecord& patient) {
-  Text<128> note{};
-  note = "Patient record imported into Corvana\n-------------------------------------\n";
-  EscapeSql(note);
-  return InsertRecordEntry(patient.id, note.c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0');
-}
-
 bool WriteTransfer(char* place, const PatientRecord& patient, int record_entry_id) {
   TransferRecord transfer{};
   transfer.name = "NA";
@@ -136,7 +129,7 @@ bool ImportLine(char* const column[kUprcColumnCount]) {
   const char* id = patient.patient_id.c_str();
   if (!InsertPatientWithFinder(patient, finder)) return false;
   if (!WriteProblems(column[kUprcProblems], patient)) return false;
-  if (WriteImportNote(patient) < 0) {
+  if (InsertImportNote(patient) < 0) {
     std::printf("\tERROR - Unable to create record entry for patient '%s'!\n", id);
     return false;
   }

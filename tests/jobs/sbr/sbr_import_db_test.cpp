@@ -1,0 +1,203 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/program_run.h"
+#include "support/test_database.h"
+
+namespace {
+
+// Record entries written during the run (import notes, sightings, undated
+// reports) show "<now>" instead of their time.
+constexpr const char* kEntryColumns =
+    "patient_id,replace(notes,'\\n','\\\\n'),if(date>'2020-01-01','<now>',date),who,weight,keel,location,"
+    "amountFed,special";
+
+const std::vector<std::pair<std::string, std::string>> kPatientTables = {
+    {"patient",
+     "patient_id,name,species,species_group,status,ageIn,age,sex,flags,admission_date,final_date,dob,team,"
+     "expected_release_date,away_from_date,away_to_date,band,aux_marker,replace(notes,'\\n','\\\\n'),found_name,"
+     "found_addr,found_city,found_state,found_zip,found_county,found_district,found_country,found_date,"
+     "presenter_org,presenter_state,presenter_county,presenter_district,presenter_country,presenter_transporter"},
+    {"attributes", "patient_id,name,value,date"},
+    {"problems", "patient_id,description,resolved,initial_date"},
+    {"record_entry", kEntryColumns},
+    {"pcv", "record_entry_id,date,pcv,ts,buffy,serum"},
+    {"biometric", "record_entry_id,date,weight,wc,culmen,length"},
+    {"transfers", "record_entry_id,patient_id,date,name,addr,city,state,zip,county,permit,reason,country"},
+    {"releases",
+     "record_entry_id,patient_id,date,how_age,how_sex,band_number,aux_marker,weight,location,city,state,county,"
+     "country,id_type,tracker_type,pub_priv"}};
+
+class SbrImportTest : public DatabaseTest {
+ protected:
+  // Runs one SBR job in `dir` and returns its log from the job line on.
+  std::string RunJob(const std::string& dir, const std::string& org, const std::string& type,
+                     const std::string& region = "") {
+    std::vector<std::string> args = {"-org", org, "-type", type, "-year", "2016"};
+    if (!region.empty()) args.insert(args.end(), {"-region", region});
+    ProgramRun run = RunProgram(dir, args);
+    EXPECT_EQ(run.exit_code, 0);
+    return run.output.substr(run.output.find("\n" + org + " - ") + 1);
+  }
+
+  // A scratch copy of the samples with this test's database.
+  std::string SampleDir() {
+    std::string dir = MakeTempDir();
+    CopySamples("samples/sbr", dir);
+    WriteIni(dir);
+    return dir;
+  }
+
+  // Every row of a query, one per line.
+  std::string Lines(const std::string& sql) {
+    std::string text;
+    for (const std::string& row : Rows(sql)) text += row + "\n";
+    return text;
+  }
+};
+
+TEST_F(SbrImportTest, SpeciesList) {
+  std::string dir = SampleDir();
+  ExpectMatchesFile(RunJob(dir, "SBR_LA", "species"), "jobs/sbr/expected/species.log");
+  ExpectMatchesFile(Dump({{"species",
+                           "abbrev,scientific_name,common_name,nord,native,info_page,species_group,cost_category,"
+                           "state_soc,federal_soc,kingdom,phylum,class,_order,family,genus,species,hms,value,"
+                           "habitat"}}),
+                    "jobs/sbr/expected/species.rows");
+  EXPECT_EQ(Value("select common_name from species where abbrev='HEEG'"), "Heermann's Gull");
+}
+
+TEST_F(SbrImportTest, LosAngelesPatientsAfterSpecies) {
+  std::string dir = SampleDir();
+  RunJob(dir, "SBR_LA", "species");
+  ExpectMatchesFile(RunJob(dir, "SBR_LA", "patient", "LA"), "jobs/sbr/expected/patients_la.log");
+  ExpectMatchesFile(Dump(kPatientTables), "jobs/sbr/expected/patients_la.rows");
+
+  // Texts escaped on the way land unchanged; an unescaped one fails only its own statement.
+  EXPECT_EQ(Value("select count(*) from record_entry where notes like "
+                  "'%Intake comments: Photos in S:\\\\\\\\Intake\\\\\\\\2016\\\\\\\\LA-16-014, see Dr. O''Hara''s notes%'"),
+            "1");
+  EXPECT_EQ(Value("select name from transfers where patient_id='2016-0012'"), "O'Neill Sea Odyssey");
+  EXPECT_EQ(Value("select presenter_org from patient where patient_id='2016-0037'"), "St. Mary's Medical Center");
+  EXPECT_EQ(Value("select count(*) from problems where description=\"Can't stand\""), "1");
+  EXPECT_EQ(Value("select count(*) from patient where notes like '%LA-16-0''22%'"), "0");
+  EXPECT_EQ(Value("select found_addr from patient where patient_id='2016-0019'"), "");  // finder not written
+  // Import notes are dated with the time of the run.
+  EXPECT_EQ(Value("select count(*) from record_entry where notes like 'Patient record imported%' and "
+                  "abs(timestampdiff(second,date,now()))>600"),
+            "0");
+}
+
+TEST_F(SbrImportTest, SanFranciscoPatientsAfterSpecies) {
+  std::string dir = SampleDir();
+  RunJob(dir, "SBR_SF", "species");
+  ExpectMatchesFile(RunJob(dir, "SBR_SF", "patient", "SF"), "jobs/sbr/expected/patients_sf.log");
+  ExpectMatchesFile(Dump(kPatientTables), "jobs/sbr/expected/patients_sf.rows");
+}
+
+// Both centres' runs over one file give each line the same number: a line
+// of the other centre is passed over but keeps its place in the year.
+TEST_F(SbrImportTest, RegionsShareTheNumbering) {
+  std::string dir = SampleDir();
+  WriteFile(dir + "/SBR_LA.txt", ReadFile(dir + "/SBR_SF.txt"));
+  RunJob(dir, "SBR_LA", "species");
+  const std::string numbered =
+      "select p.patient_id,a.value from patient p join attributes a on a.patient_id=p.id order by p.id";
+
+  RunJob(dir, "SBR_LA", "patient", "LA");
+  EXPECT_EQ(Rows(numbered), (std::vector<std::string>{"2016-0003|LA-16-003", "2016-0025|SF-16-025"}));
+
+  Exec("delete from patient; delete from attributes; delete from problems; delete from record_entry; "
+       "delete from pcv; delete from transfers; delete from releases; delete from biometric");
+  RunJob(dir, "SBR_SF", "patient", "SF");
+  std::vector<std::string> sf = Rows(numbered);
+  ASSERT_EQ(sf.size(), 26u);
+  EXPECT_EQ(sf[0], "2016-0001|SF-16-001");
+  EXPECT_EQ(sf[2], "2016-0004|SF-16-004");  // LA-16-003 kept 2016-0003
+  EXPECT_EQ(sf[23], "2016-0025|SF-16-025");  // the Santa Cruz bird: both centres' runs take it
+  EXPECT_EQ(sf[24], "2009-0001|SF-O9-026");
+  EXPECT_EQ(sf[25], "2016-0026|SF-16-027");
+}
+
+TEST_F(SbrImportTest, BandSightingsAfterPatients) {
+  std::string dir = SampleDir();
+  RunJob(dir, "SBR_LA", "species");
+  RunJob(dir, "SBR_LA", "patient", "LA");
+  const std::string before = Value("select count(*) from record_entry");
+  ExpectMatchesFile(RunJob(dir, "SBR_LA", "band_sightings"), "jobs/sbr/expected/band_sightings.log");
+  ExpectMatchesFile(
+      Dump({{"band_report",
+             "record_entry_id,date,lat,lon,replace(finder_info,'\\n','\\\\n'),location,notes,present_condition,"
+             "how,band,aux_marker"}}) +
+          Lines("select concat_ws('|',p.patient_id,r.id,r.notes,if(r.date>'2020-01-01','<now>',r.date),r.who,"
+                "r.weight,r.keel,r.location,r.amountFed,r.special) from record_entry r join patient p on "
+                "p.id=r.patient_id where r.id>" + before + " order by r.id"),
+      "jobs/sbr/expected/band_sightings.rows");
+}
+
+TEST_F(SbrImportTest, NecropsyReportsAfterPatients) {
+  std::string dir = SampleDir();
+  RunJob(dir, "SBR_LA", "species");
+  RunJob(dir, "SBR_LA", "patient", "LA");
+  const std::string before = Value("select count(*) from record_entry");
+  ExpectMatchesFile(RunJob(dir, "SBR_LA", "necropsy"), "jobs/sbr/expected/necropsy.log");
+  ExpectMatchesFile(Lines("select concat_ws('|',p.patient_id,replace(r.notes,'\\n','\\\\n'),"
+                          "if(r.date>'2020-01-01','<now>',r.date),r.who,r.weight,r.keel,r.location,r.amountFed,"
+                          "r.special) from record_entry r join patient p on p.id=r.patient_id where r.id>" +
+                          before + " order by r.id"),
+                    "jobs/sbr/expected/necropsy.rows");
+}
+
+// One directory without input files; no job writes anything, a plain "SBR" runs none.
+TEST_F(SbrImportTest, MissingInputFilesAndUnknownOrganisation) {
+  const std::string dir = MakeTempDir();
+  WriteIni(dir);
+  const std::vector<std::array<std::string, 4>> cases = {  // org, type, region, log after the job line
+      {"SBR_LA", "species", "", "Loading species data from './species.txt'\nUnable to open './species.txt'\n"},
+      {"SBR_SF", "patient", "SF", "Loading patient data from './SBR_SF.txt'\nUnable to open './SBR_SF.txt'\n"},
+      {"SBR_LA", "patient", "", "Loading patient data from './SBR_.txt'\nUnable to open './SBR_.txt'\n"},
+      {"SBR_SF", "band_sightings", "",
+       "Loading patient data from './BandSightings/BandSightings.txt'\n"
+       "ERROR: Unable to open './BandSightings/BandSightings.txt'\n"},
+      {"SBR_LA", "necropsy", "", "Loading necropsy data from './Necropsy.txt'\nUnable to open './Necropsy.txt'\n"},
+      {"SBR", "patient", "LA", ""},
+      {"SBR_LA", "Patient", "LA", ""},
+  };
+  for (const auto& [org, type, region, log] : cases) {
+    EXPECT_EQ(RunJob(dir, org, type, region), org + " - " + type + " - 2016\n" + log);
+  }
+  EXPECT_EQ(Value("select count(*) from species"), "0");
+}
+
+// Short lines never read past their cells; headers alone give zero counts.
+TEST_F(SbrImportTest, ShortAndEmptyFiles) {
+  const std::string dir = MakeTempDir();
+  WriteIni(dir);
+  std::filesystem::create_directory(dir + "/BandSightings");
+  WriteFile(dir + "/species.txt", "header\r\nAuklet\r\n\r\nPuffin\tTUPU\tFratercula cirrhata\r\n");
+  WriteFile(dir + "/SBR_LA.txt", "header\nLA-16-001\n\nLA-16-002\tBrown Pelican\tLos Angeles");
+  WriteFile(dir + "/BandSightings/BandSightings.txt", "header\n\nlabel\n");
+  WriteFile(dir + "/Necropsy.txt", "header\n");
+  EXPECT_EQ(RunJob(dir, "SBR_LA", "species"),
+            "SBR_LA - species - 2016\nLoading species data from './species.txt'\n"
+            "\tERROR - only 1 of 7 fields for 'Auklet', line skipped\n"
+            "\tERROR - only 3 of 7 fields for 'Puffin', line skipped\nLoaded 0 species\n");
+  EXPECT_EQ(RunJob(dir, "SBR_LA", "patient", "LA"),
+            "SBR_LA - patient - 2016\nLoading patient data from './SBR_LA.txt'\n"
+            "\tERROR - only 1 of 73 fields for 'LA-16-001', line skipped\n"
+            "\tERROR - only 3 of 73 fields for 'LA-16-002', line skipped\nImported 0 patients\n");
+  EXPECT_EQ(RunJob(dir, "SBR_LA", "band_sightings"),
+            "SBR_LA - band_sightings - 2016\nLoading patient data from './BandSightings/BandSightings.txt'\n"
+            "\tERROR - only 1 of 20 fields for 'label', line skipped\n"
+            "Created 0 band reports and inserted 0 images\nThere were 1 errors and 0 records were skipped.");
+  EXPECT_EQ(RunJob(dir, "SBR_LA", "necropsy"),
+            "SBR_LA - necropsy - 2016\nLoading necropsy data from './Necropsy.txt'\nImported 0 necropsy reports\n");
+  EXPECT_EQ(Value("select count(*) from species") + Value("select count(*) from patient"), "00");
+}
+
+}  // namespace
