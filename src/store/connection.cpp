@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "util/strings.h"
+
 namespace {
 
 MYSQL g_connection;
@@ -77,6 +79,12 @@ SqlResult QuerySql(const char* statement, std::initializer_list<SqlArg> args) {
   if (!Prepare(statement, args)) return SqlResult();
   if (mysql_real_query(&g_connection, g_statement.data(), g_statement.size()) != 0) return SqlResult();
   return SqlResult(mysql_store_result(&g_connection));
+}
+
+int QueryInt(const char* statement, std::initializer_list<SqlArg> args, int fallback) {
+  SqlResult result = QuerySql(statement, args);
+  MYSQL_ROW row = result.NextRow();
+  return row != nullptr && row[0] != nullptr ? ToInt(row[0]) : fallback;
 }
 
 SqlResult::~SqlResult() {
