@@ -4,7 +4,7 @@
 # running; stop it with scripts/db.sh stop).
 #
 #   scripts/demo.sh          every sample job
-#   scripts/demo.sh kwrc     only one organisation's jobs (kwrc, dswc, glfh, uprc, sbr, repairs)
+#   scripts/demo.sh kwrc     only one organisation's jobs (kwrc, csaq_ff, dswc, glfh, uprc, sbr, repairs)
 set -euo pipefail
 repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$repo"
@@ -63,6 +63,22 @@ select patient_id, species, admission_date, final_date, status, found_district, 
 SQL
 }
 
+demo_csaq_ff() {
+  prepare csaq_ff
+  for type in species habitats water_chemistry patient rehab biometrics vital_stats invert_species_groups; do
+    run csaq_ff -org CSAQ_FF -type "$type" -year 2016
+  done
+  show csaq_ff
+  scripts/db.sh sql demo_csaq_ff -t <<'SQL'
+select 'location' as `table`, count(*) as `rows` from location
+union all select 'settings', count(*) from settings
+union all select 'location_record_entry', count(*) from location_record_entry
+union all select 'water_quality', count(*) from water_quality
+union all select 'biometric', count(*) from biometric;
+select patient_id, name, species, status, location, admission_date, final_date from patient limit 12;
+SQL
+}
+
 demo_dswc() {
   prepare dswc
   run dswc -org DsWC -type species -year 2011
@@ -117,7 +133,7 @@ demo_repairs() {
 }
 
 orgs=("$@")
-[ $# -eq 0 ] && orgs=(kwrc dswc glfh uprc sbr repairs)
+[ $# -eq 0 ] && orgs=(kwrc csaq_ff dswc glfh uprc sbr repairs)
 for org in "${orgs[@]}"; do
   declare -F "demo_$org" >/dev/null || { echo "demo.sh: no demo for '$org'" >&2; exit 1; }
   "demo_$org"

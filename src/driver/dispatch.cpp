@@ -2,6 +2,13 @@
 
 #include <cstring>
 
+#include "jobs/csaq_ff/csaq_ff_biometrics.h"
+#include "jobs/csaq_ff/csaq_ff_habitats.h"
+#include "jobs/csaq_ff/csaq_ff_invert_species_groups.h"
+#include "jobs/csaq_ff/csaq_ff_patients.h"
+#include "jobs/csaq_ff/csaq_ff_rehab.h"
+#include "jobs/csaq_ff/csaq_ff_species.h"
+#include "jobs/csaq_ff/csaq_ff_water_chemistry.h"
 #include "jobs/dswc/dswc_address_book.h"
 #include "jobs/dswc/dswc_admissions.h"
 #include "jobs/dswc/dswc_species.h"
@@ -42,6 +49,14 @@ constexpr const char* kOrganisations[] = {"HWC",  "KWRC",     "CSAQ_FF", "DsWC",
 constexpr JobRow kJobs[] = {
     {"HWC", nullptr, TypeMatch::kAny, nullptr},  // nothing to import for this site
     {"KWRC", nullptr, TypeMatch::kAny, [](const RunOptions& options) { ImportKwrcYear(options.year); }},
+    {"CSAQ_FF", "species", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfSpecies(); }},
+    {"CSAQ_FF", "habitats", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfHabitats(); }},
+    {"CSAQ_FF", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfPatients(); }},
+    {"CSAQ_FF", "water_chemistry", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfWaterChemistry(); }},
+    {"CSAQ_FF", "biometrics", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfBiometrics(); }},
+    {"CSAQ_FF", "vital_stats", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfVitalStats(); }},
+    {"CSAQ_FF", "invert_species_groups", TypeMatch::kExact, [](const RunOptions&) { ImportInvertSpeciesGroups(); }},
+    {"CSAQ_FF", "rehab", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfRehab(); }},
     {"DsWC", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportDswcAdmissions(options.year); }},
     {"DsWC", "species", TypeMatch::kExact, [](const RunOptions&) { ImportDswcSpecies(); }},
     {"DsWC", "address_book", TypeMatch::kExact, [](const RunOptions&) { ImportDswcAddressBook(); }},

@@ -8,6 +8,8 @@
 #include <cstring>
 #include <thread>
 
+#include "util/strings.h"
+
 namespace {
 
 MYSQL g_connection;
@@ -223,6 +225,12 @@ SqlResult QuerySql(const char* statement, std::initializer_list<SqlArg> args) {
   MYSQL_RES* result = mysql_store_result(&g_connection);
   if (result == nullptr && mysql_errno(&g_connection) != 0) g_failure = mysql_error(&g_connection);
   return SqlResult(result);
+}
+
+int QueryInt(const char* statement, std::initializer_list<SqlArg> args, int fallback) {
+  SqlResult result = QuerySql(statement, args);
+  MYSQL_ROW row = result.NextRow();
+  return row != nullptr && row[0] != nullptr ? ToInt(row[0]) : fallback;
 }
 
 SqlResult::~SqlResult() {

@@ -132,6 +132,11 @@ class SqlResult {
 // the link dropped while it ran.
 SqlResult QuerySql(const char* statement, std::initializer_list<SqlArg> args);
 
+// Formats and sends a SELECT and reads the first column of its first row as
+// an integer (atoi rules); `fallback` when the statement fails, there is no
+// row or the column is null.
+int QueryInt(const char* statement, std::initializer_list<SqlArg> args, int fallback);
+
 // Copies a column into `field`, a null column as the empty text.
 template <std::size_t N>
 void CopyColumn(Text<N>& field, const char* column) {

@@ -113,6 +113,8 @@ int GetPatientKey(const char* patient_id) {
   return row != nullptr && row[0] != nullptr ? ToInt(row[0]) : 0;
 }
 
+int CountPatients() { return QueryInt("select count(*) from patient;", {}, 0); }
+
 int FindPatientByAuxMarker(const char* aux_marker, Text<16>& patient_id, Text<64>& band) {
   SqlResult result = QuerySql("select id,patient_id,band from patient where aux_marker='%s';", {aux_marker});
   MYSQL_ROW row = result.NextRow();

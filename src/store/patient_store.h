@@ -141,6 +141,9 @@ int FindPatientByAuxMarker(const char* aux_marker, Text<16>& patient_id, Text<64
 // number into `patient_id`.
 int FindPatientByBand(const char* band, Text<16>& patient_id);
 
+// The number of `patient` rows; 0 when there are none or the statement failed.
+int CountPatients();
+
 // Clears the bits of `mask` in the row's flags on the server, leaving every
 // other bit as it is. Returns 0, or non-zero on failure.
 int ClearPatientFlag(const char* patient_id, int64_t mask);

@@ -90,6 +90,10 @@ int GetLocationId(const char* name) {
   return row != nullptr && row[0] != nullptr ? ToInt(row[0]) : 0;
 }
 
+int CountSpecies() { return QueryInt("select count(*) from species;", {}, 0); }
+
+int CountLocations() { return QueryInt("select count(*) from location;", {}, 0); }
+
 int InsertAddressBookEntry(AddressBookEntry& e) {
   if (ExecuteSql("insert into addressBook (org,contactName,addr,addr2,city,state,zip,county,phone1,phone2,phone3,"
                  "email,permit,lookingFor,lat,lon,type,availability,notes,country,cellProvider,"

@@ -104,5 +104,11 @@ int InsertLocation(const LocationRecord& record);
 // The key of the location named `name`; 0 when none or on failure.
 int GetLocationId(const char* name);
 
+// The number of `species` rows; 0 when there are none or the statement failed.
+int CountSpecies();
+
+// The number of `location` rows; 0 when there are none or the statement failed.
+int CountLocations();
+
 // Inserts the entry and stores its new key in `entry.id`. 0 or 1.
 int InsertAddressBookEntry(AddressBookEntry& entry);

@@ -1,0 +1,49 @@
+#include "jobs/csaq_ff/csaq_ff_animal_table.h"
+
+#include "jobs/csaq_ff/csaq_ff_export.h"
+#include "util/strings.h"
+
+AnimalEntry& CollectionAnimalTable::Add(const AnimalEntry& entry) {
+  by_tag_[LowerAscii(entry.identity_tag.view())].push_back(entries_.size());
+  entries_.push_back(entry);
+  return entries_.back();
+}
+
+AnimalEntry* CollectionAnimalTable::FirstWithTag(std::string_view tag) {
+  auto found = by_tag_.find(LowerAscii(tag));
+  return found != by_tag_.end() ? &entries_[found->second.front()] : nullptr;
+}
+
+AnimalEntry* CollectionAnimalTable::FirstAvailable(std::string_view tag) {
+  auto found = by_tag_.find(LowerAscii(tag));
+  if (found == by_tag_.end()) return nullptr;
+  for (std::size_t index : found->second) {
+    if (entries_[index].patient.status == "PR") return &entries_[index];
+  }
+  return nullptr;
+}
+
+std::span<AnimalEntry> CollectionAnimalTable::FirstRun(std::string_view tag) {
+  auto found = by_tag_.find(LowerAscii(tag));
+  if (found == by_tag_.end()) return {};
+  const std::vector<std::size_t>& positions = found->second;
+  std::size_t first = positions.front();
+  std::size_t length = 1;
+  while (length < positions.size() && positions[length] == first + length) ++length;
+  return std::span<AnimalEntry>(entries_).subspan(first, length);
+}
+
+void CollectionAnimalTable::TruncateTo(std::size_t size) {
+  for (std::size_t index = size; index < entries_.size(); ++index) {
+    auto found = by_tag_.find(LowerAscii(entries_[index].identity_tag.view()));
+    found->second.pop_back();
+    if (found->second.empty()) by_tag_.erase(found);
+  }
+  if (size < entries_.size()) entries_.resize(size);
+}
+
+void PatientNumberCounters::Next(const char* admission_date, Text<16>& patient_id) {
+  int year = ToInt(admission_date);
+  int number = ++last_by_year_[year];
+  patient_id.Format("%d-%05d", year, number);
+}
