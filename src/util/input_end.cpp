@@ -1,12 +1,6 @@
 #include "util/input_end.h"
 
-unsigned long long CountUnreadBytes(std::FILE* file) {
-  unsigned long long count = 0;
-  char block[64 * 1024];
-  std::size_t n;
-  while ((n = std::fread(block, 1, sizeof block, file)) > 0) count += n;
-  return count;
-}
+#include <cstdio>
 
 void ReportCtrlZ(const char* file_name, long long line, unsigned long long unread) {
   if (unread == 0) return;

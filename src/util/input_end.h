@@ -4,10 +4,6 @@
 // and named on stderr (never on stdout, which is the job's log).
 #pragma once
 
-#include <cstdio>
-
-// Reads `file` to its end and returns how many bytes were left.
-unsigned long long CountUnreadBytes(std::FILE* file);
 
 // Prints one line on stderr naming `file_name`, the `line` (counted from 1)
 // on which the Ctrl-Z stood and the `unread` bytes after it. Prints nothing

@@ -3,40 +3,49 @@
 #include "util/input_end.h"
 
 namespace {
-constexpr int kCtrlZ = 0x1a;
-}
+constexpr char kCtrlZ = 0x1a;
+constexpr int kEnd = -1;
+}  // namespace
 
 LineReader::LineReader(const char* path, std::size_t max_chars)
-    : file_(std::fopen(path, "rb")), path_(path), max_chars_(max_chars > 0 ? max_chars : 1) {}
+    : path_(path), max_chars_(max_chars > 0 ? max_chars : 1) {
+  if (source_.Open(path)) block_ = std::make_unique<char[]>(kBlockSize);
+}
 
-LineReader::~LineReader() {
-  if (file_ != nullptr) std::fclose(file_);
+bool LineReader::Fill() {
+  if (at_end_) return false;
+  std::size_t count = source_.Read(block_.get(), kBlockSize);
+  if (count == 0) {
+    at_end_ = true;
+    return false;
+  }
+  cursor_ = block_.get();
+  limit_ = cursor_ + count;
+  return true;
 }
 
 int LineReader::NextByte() {
-  if (at_end_) return EOF;
-  int c = getc_unlocked(file_);
-  if (c == kCtrlZ || c == EOF) {
+  if (cursor_ == limit_ && !Fill()) return kEnd;
+  char c = *cursor_++;
+  if (c == kCtrlZ) {
     at_end_ = true;
-    if (c == kCtrlZ) ReportCtrlZ(path_.c_str(), line_, CountUnreadBytes(file_));
-    return EOF;
+    unsigned long long unread = static_cast<unsigned long long>(limit_ - cursor_) + source_.CountRest();
+    cursor_ = limit_;
+    ReportCtrlZ(path_.c_str(), line_, unread);
+    return kEnd;
   }
-  if (c == '\r') {
-    int next = getc_unlocked(file_);
-    if (next == '\n') c = '\n';
-    else if (next != EOF) ungetc(next, file_);
-  }
+  if (c == '\r' && (cursor_ != limit_ || Fill()) && *cursor_ == '\n') c = *cursor_++;
   if (c == '\n') ++line_;
-  return c;
+  return static_cast<unsigned char>(c);
 }
 
 bool LineReader::ReadLine(std::string& line) {
   line.clear();
   last_was_cut_ = false;
-  if (file_ == nullptr) return false;
+  if (!source_.is_open()) return false;
   while (line.size() < max_chars_) {
     int c = NextByte();
-    if (c == EOF) return !line.empty();
+    if (c == kEnd) return !line.empty();
     line.push_back(static_cast<char>(c));
     if (c == '\n') return true;
   }

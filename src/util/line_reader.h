@@ -5,20 +5,22 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
+#include <memory>
 #include <string>
+
+#include "util/text_source.h"
 
 class LineReader {
  public:
   // Opens `path` for reading; is_open() tells whether that worked. A line is
   // returned in pieces of at most `max_chars` characters, as a fixed read
-  // buffer would deliver it.
+  // buffer would deliver it. Unicode files are read as the latin1 text they
+  // hold (see TextSource).
   LineReader(const char* path, std::size_t max_chars);
-  ~LineReader();
   LineReader(const LineReader&) = delete;
   LineReader& operator=(const LineReader&) = delete;
 
-  bool is_open() const { return file_ != nullptr; }
+  bool is_open() const { return source_.is_open(); }
 
   // Reads the next line (or the next piece of an over-long line) into `line`,
   // its line feed included when one ended it. Returns false at end of file.
@@ -27,12 +29,22 @@ class LineReader {
   // True when the last ReadLine stopped at the length limit, not at a line end.
   bool last_was_cut() const { return last_was_cut_; }
 
- private:
-  int NextByte();
+  // How far through the file reading has got, and its size (0 when unknown).
+  unsigned long long position() const { return source_.position(); }
+  unsigned long long size() const { return source_.size(); }
 
-  std::FILE* file_;
+ private:
+  static constexpr std::size_t kBlockSize = 64 * 1024;
+
+  int NextByte();
+  bool Fill();
+
+  TextSource source_;
   const std::string path_;  // for the Ctrl-Z notice
   const std::size_t max_chars_;
+  std::unique_ptr<char[]> block_;
+  const char* cursor_ = nullptr;
+  const char* limit_ = nullptr;
   long long line_ = 1;  // line of the file the next byte belongs to
   bool at_end_ = false;
   bool last_was_cut_ = false;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "util/input_end.h"
+#include "util/text_source.h"
 
 // Both live in their document's arena; `arena` lets the calls that get no
 // document (XmlAddAttribute, XmlSetText, XmlAppendChild) find it.
@@ -177,7 +178,6 @@ constexpr int kEndOfInput = -1;
 class TextInput {
  public:
   explicit TextInput(long long& line) : line_(line) {}
-  ~TextInput() { Close(); }
   TextInput(const TextInput&) = delete;
   TextInput& operator=(const TextInput&) = delete;
 
@@ -190,24 +190,19 @@ class TextInput {
   // still need it.
   bool Open(const char* file_name) {
     if (std::strcmp(file_name, "stdin") == 0) {
-      file_ = stdin;
-      owned_ = false;
-    } else {
-      file_ = std::fopen(file_name, "rb");
-      owned_ = true;
+      source_.OpenStream(stdin, "stdin");
+    } else if (!source_.Open(file_name)) {
+      return false;
     }
     file_name_ = file_name;
-    return file_ != nullptr;
+    return true;
   }
 
-  void Close() {
-    if (file_ != nullptr && owned_) std::fclose(file_);
-    file_ = nullptr;
-  }
+  void Close() { source_.Close(); }
 
   // True when the very first read failed: the name opened but is not a
   // readable file (a directory, say), which Windows refuses at open already.
-  bool unreadable() const { return unreadable_; }
+  bool unreadable() const { return source_.unreadable(); }
 
   // The next character, or kEndOfInput.
   int Next() {
@@ -223,7 +218,7 @@ class TextInput {
       }
     } else if (c == kCtrlZ) {
       at_end_ = true;
-      unsigned long long unread = static_cast<unsigned long long>(limit_ - cursor_) + CountUnreadBytes(file_);
+      unsigned long long unread = static_cast<unsigned long long>(limit_ - cursor_) + source_.CountRest();
       ReportCtrlZ(file_name_, line_, unread);
       cursor_ = limit_;
       return kEndOfInput;
@@ -237,13 +232,11 @@ class TextInput {
 
   bool Fill() {
     if (at_end_) return false;
-    std::size_t count = std::fread(block_.get(), 1, kBlockSize, file_);
+    std::size_t count = source_.Read(block_.get(), kBlockSize);
     if (count == 0) {
       at_end_ = true;
-      unreadable_ = !anything_read_ && std::ferror(file_) != 0;
       return false;
     }
-    anything_read_ = true;
     cursor_ = block_.get();
     limit_ = cursor_ + count;
     return true;
@@ -251,14 +244,11 @@ class TextInput {
 
   long long& line_;
   const char* file_name_ = "";  // for the Ctrl-Z notice; the caller's text outlives the load
-  std::FILE* file_ = nullptr;
-  bool owned_ = false;
+  TextSource source_;
   std::unique_ptr<char[]> block_;
   const char* cursor_ = nullptr;
   const char* limit_ = nullptr;
   bool at_end_ = false;
-  bool anything_read_ = false;
-  bool unreadable_ = false;
 };
 
 // One run of XmlLoadFile over a document that already holds a fresh root.

@@ -63,3 +63,11 @@ void ExpectMatchesFile(const std::string& actual, const std::string& path) {
   }
   EXPECT_EQ(actual, ReadFile(full)) << "differs from " << full;
 }
+
+std::string SaveAs(const std::string& latin1, SavedAs encoding) {
+  if (encoding == SavedAs::kUtf8Mark) return "\xEF\xBB\xBF" + latin1;
+  bool little = encoding == SavedAs::kUtf16LittleEndian;
+  std::string out = little ? "\xFF\xFE" : "\xFE\xFF";
+  for (char c : latin1) out += little ? std::string{c, '\0'} : std::string{'\0', c};
+  return out;
+}

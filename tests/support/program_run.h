@@ -22,3 +22,10 @@ void CopySamples(const std::string& source_dir, const std::string& dir);
 // CORVANA_UPDATE_EXPECTED=1 in the environment the file is rewritten instead,
 // for a developer to review in the diff.
 void ExpectMatchesFile(const std::string& actual, const std::string& path);
+
+// How Windows tools save "the same" text file besides ANSI (latin1).
+enum class SavedAs { kUtf16LittleEndian, kUtf16BigEndian, kUtf8Mark };
+
+// `latin1` as that tool would have saved it: UTF-16 with its byte-order
+// mark, or the same bytes behind a UTF-8 mark.
+std::string SaveAs(const std::string& latin1, SavedAs encoding);

@@ -37,9 +37,13 @@ class DswcImportTest : public DatabaseTest {
   // Runs the jobs `types` in order on the samples; the last one's log and the rows of `tables` must then match
   // expected/<name>.log and expected/<name>.rows.
   void RunAndCompare(const std::vector<std::string>& types, const std::string& year, const std::string& name,
-                     const std::vector<std::pair<std::string, std::string>>& tables) {
+                     const std::vector<std::pair<std::string, std::string>>& tables,
+                     const SavedAs* species_list_saved_as = nullptr) {
     std::string dir = MakeTempDir(), log;
     CopySamples("samples/dswc", dir);
+    if (species_list_saved_as != nullptr) {
+      WriteFile(dir + "/species.xml", SaveAs(ReadFile(dir + "/species.xml"), *species_list_saved_as));
+    }
     WriteIni(dir);
     for (const std::string& type : types) log = RunJob(dir, type, year);
     ExpectMatchesFile(log, "jobs/dswc/expected/" + name + ".log");
@@ -62,6 +66,18 @@ TEST_F(DswcImportTest, AdmissionsOf2011AfterSpecies) {
   // The "Patient record imported" note is dated with the time of the run.
   EXPECT_EQ(Value("select count(*) from record_entry where notes like 'Patient record imported%' and "
                   "abs(timestampdiff(second,date,now()))>600"), "0");
+}
+
+// The XML reader reads a species list saved as Unicode text, or with a UTF-8
+// mark, as the same list.
+TEST_F(DswcImportTest, SpeciesListSavedAsUnicode) {
+  for (SavedAs encoding : {SavedAs::kUtf16LittleEndian, SavedAs::kUtf16BigEndian, SavedAs::kUtf8Mark}) {
+    Exec("delete from species");
+    RunAndCompare({"species"}, "2011", "species",
+                  {{"species", "abbrev,scientific_name,common_name,nord,native,info_page,species_group,cost_category,"
+                               "state_soc,federal_soc,kingdom,class,hms,value,habitat"}},
+                  &encoding);
+  }
 }
 
 TEST_F(DswcImportTest, AdmissionsOf2014AfterSpecies) {

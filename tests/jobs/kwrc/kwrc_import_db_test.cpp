@@ -13,14 +13,18 @@ namespace {
 
 class KwrcImportTest : public DatabaseTest {
  protected:
-  // Runs the sample year; its log from the job line on and every row it
-  // wrote must match the expected files. Returns what it printed on stderr.
-  std::string RunSampleYear();
+  // Runs the sample year (saved as `encoding`, when given); its log from the
+  // job line on and every row it wrote must match the expected files.
+  // Returns what it printed on stderr.
+  std::string RunSampleYear(const SavedAs* encoding = nullptr);
 };
 
-std::string KwrcImportTest::RunSampleYear() {
+std::string KwrcImportTest::RunSampleYear(const SavedAs* encoding) {
   std::string dir = MakeTempDir();
   CopySamples("samples/kwrc", dir);
+  if (encoding != nullptr) {
+    WriteFile(dir + "/KWRC_2012.txt", SaveAs(ReadFile(dir + "/KWRC_2012.txt"), *encoding));
+  }
   WriteIni(dir);
   Exec(ReadFile(dir + "/settings.sql"));
 
@@ -67,6 +71,20 @@ TEST_F(KwrcImportOnStockServerTest, SampleYearGivesTheSameLogAndRows) {
             "'STRICT_TRANS_TABLES,NO_ZERO_IN_DATE,NO_ZERO_DATE,ERROR_FOR_DIVISION_BY_ZERO,NO_AUTO_CREATE_USER,"
             "NO_ENGINE_SUBSTITUTION'; this run uses 'NO_ENGINE_SUBSTITUTION', as the Corvana server does\n");
 }
+
+// Saved as Unicode text (either byte order) or with a UTF-8 mark, the year
+// gives the same log and rows as saved as ANSI text.
+class KwrcSavedAsTest : public KwrcImportTest, public testing::WithParamInterface<SavedAs> {};
+
+TEST_P(KwrcSavedAsTest, SampleYearGivesTheSameLogAndRows) {
+  SavedAs encoding = GetParam();
+  std::string notes = RunSampleYear(&encoding);
+  EXPECT_EQ(notes.find("Unicode text") != std::string::npos, encoding != SavedAs::kUtf8Mark) << notes;
+}
+
+INSTANTIATE_TEST_SUITE_P(Encodings, KwrcSavedAsTest,
+                         testing::Values(SavedAs::kUtf16LittleEndian, SavedAs::kUtf16BigEndian,
+                                         SavedAs::kUtf8Mark));
 
 TEST_F(KwrcImportTest, SplitKwrcAddress) {
   const std::array<const char*, 5> cases[] = {  // address, street, city, district, province
