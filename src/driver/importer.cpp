@@ -1,11 +1,16 @@
 #include "driver/importer.h"
 
+#include <chrono>
 #include <cstdio>
+#include <string>
 
 #include "driver/command_line.h"
 #include "driver/dispatch.h"
 #include "driver/ini_file.h"
+#include "driver/run_summary.h"
 #include "store/connection.h"
+#include "util/log_watch.h"
+#include "util/progress.h"
 #include "util/strings.h"
 #include "util/text.h"
 
@@ -80,6 +85,8 @@ int ConnectFromConfig() {
 }
 
 int RunImporter(int argc, const char* const* argv) {
+  const auto started = std::chrono::steady_clock::now();
+  WatchLog();
   CommandLine command_line(argc, argv, g_options, kOptionCount);
   if (!command_line.IsValid()) {
     std::printf("Unable to correclty parse command-line arguments!\n");
@@ -93,6 +100,13 @@ int RunImporter(int argc, const char* const* argv) {
   options.year = Year;
   options.region = Region;
   RunSelectedJob(OrgCode.c_str(), DataType.c_str(), options);
+  ProgressClear();
+
+  unsigned long long problems = ProblemLines();  // flushes the log first
+  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+  std::string job = std::string(OrgCode.c_str()) + " - " + DataType.c_str() + " - " + std::to_string(Year);
+  std::string summary = FormatRunSummary(job, Tally(), problems, seconds);
+  std::fputs(summary.c_str(), stderr);
   CloseDatabase();
   return 0;
 }

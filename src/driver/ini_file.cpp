@@ -51,7 +51,7 @@ int IniFile::IniLoad() {
     close(created);
     if (!written) return 1;
   }
-  LineReader reader(path_.c_str(), kMaxRead);
+  LineReader reader(path_.c_str(), kMaxRead, false);
   if (!reader.is_open()) return 1;
 
   entries_.clear();

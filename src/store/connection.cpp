@@ -3,11 +3,13 @@
 #include <errmsg.h>
 
 #include <algorithm>
+#include <cctype>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <thread>
 
+#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -25,12 +27,51 @@ std::string g_sql_mode_notice;
 // fail at once, as they would without waiting, until one gets through.
 bool g_gave_up_waiting = false;
 
+StatementTally g_tally;
+
 bool Prepare(const char* statement, std::initializer_list<SqlArg> args) {
   g_failure.clear();
   std::string reason;
   if (FormatSql(g_statement, reason, statement, args)) return true;
   g_failure = "Statement not sent: " + reason;
+  ++g_tally.failed;
   return false;
+}
+
+// The next word of `text` from `at` on, lower-cased, without backquotes; `at`
+// moves past it.
+std::string NextWord(const std::string& text, std::size_t& at) {
+  while (at < text.size() && std::isspace(static_cast<unsigned char>(text[at]))) ++at;
+  std::string word;
+  while (at < text.size() && !std::isspace(static_cast<unsigned char>(text[at])) && text[at] != '(') {
+    if (text[at] != '`') word.push_back(static_cast<char>(std::tolower(static_cast<unsigned char>(text[at]))));
+    ++at;
+  }
+  return word;
+}
+
+// Adds what a successful statement wrote to its table's counts.
+void CountRows(const std::string& statement) {
+  std::size_t at = 0;
+  std::string verb = NextWord(statement, at);
+  std::string table = NextWord(statement, at);
+  if ((verb == "insert" || verb == "replace") && table == "into") table = NextWord(statement, at);
+  if (verb == "delete" && table == "from") table = NextWord(statement, at);
+  if (verb != "insert" && verb != "replace" && verb != "update" && verb != "delete") return;
+  my_ulonglong affected = mysql_affected_rows(&g_connection);
+  if (affected == static_cast<my_ulonglong>(-1)) return;
+  TableTally* tally = nullptr;
+  for (TableTally& known : g_tally.tables) {  // a handful of tables: no index needed
+    if (known.table == table) tally = &known;
+  }
+  if (tally == nullptr) tally = &g_tally.tables.emplace_back(TableTally{table});
+  if (verb == "update") {
+    tally->updated += affected;
+  } else if (verb == "delete") {
+    tally->deleted += affected;
+  } else {
+    tally->inserted += affected;
+  }
 }
 
 // The library's errors for a statement that never reached the server: the
@@ -50,6 +91,7 @@ bool WaitForServer(const char* why) {
   const auto start = Clock::now();
   const auto limit = std::chrono::seconds(g_options.reconnect_seconds);
   std::fflush(stdout);  // keeps the notices in place among the log lines on a terminal
+  ProgressHide();
   std::fprintf(stderr, "Lost the database server (%s); waiting up to %d s for it to come back\n", why,
                g_options.reconnect_seconds);
   auto pause = std::chrono::milliseconds(100);
@@ -76,17 +118,22 @@ bool WaitForServer(const char* why) {
 // Returns the library's result of the last attempt.
 int Send(bool idempotent) {
   for (;;) {
+    ++g_tally.sent;
+    ProgressStatement();
     int result = mysql_real_query(&g_connection, g_statement.data(), g_statement.size());
     if (result == 0) {
       g_gave_up_waiting = false;
+      CountRows(g_statement);
       return 0;
     }
     unsigned error = mysql_errno(&g_connection);
     g_failure = mysql_error(&g_connection);
     bool never_reached = NeverReachedServer(error);
-    if (!never_reached && error != CR_SERVER_LOST) return result;
-    bool back = WaitForServer(g_failure.c_str());
-    if (!back || !(never_reached || idempotent)) return result;
+    bool back = (never_reached || error == CR_SERVER_LOST) && WaitForServer(g_failure.c_str());
+    if (!back || !(never_reached || idempotent)) {
+      ++g_tally.failed;
+      return result;
+    }
   }
 }
 
@@ -216,6 +263,8 @@ int ExecuteSql(const char* statement, std::initializer_list<SqlArg> args) {
   if (!Prepare(statement, args)) return 1;
   return Send(false);
 }
+
+const StatementTally& Tally() { return g_tally; }
 
 long long LastInsertId() { return static_cast<long long>(mysql_insert_id(&g_connection)); }
 

@@ -11,6 +11,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "store/sql.h"
 #include "util/text.h"
@@ -100,6 +101,24 @@ void EscapeSql(Text<N>& text) {
 // reports it rather than risk writing a row twice. Once the limit has passed
 // without the server, statements fail at once until one gets through.
 int ExecuteSql(const char* statement, std::initializer_list<SqlArg> args);
+
+// What the statements of this run did: how many were sent and how many
+// failed (refused before sending included), and per table the rows that the
+// successful ones inserted, updated and deleted (as the server counted them).
+struct TableTally {
+  std::string table;
+  unsigned long long inserted = 0;
+  unsigned long long updated = 0;
+  unsigned long long deleted = 0;
+};
+
+struct StatementTally {
+  unsigned long long sent = 0;
+  unsigned long long failed = 0;
+  std::vector<TableTally> tables;  // in the order the run first wrote them
+};
+
+const StatementTally& Tally();
 
 // The automatic key of the row the last insert created.
 long long LastInsertId();

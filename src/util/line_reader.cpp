@@ -7,9 +7,9 @@ constexpr char kCtrlZ = 0x1a;
 constexpr int kEnd = -1;
 }  // namespace
 
-LineReader::LineReader(const char* path, std::size_t max_chars)
+LineReader::LineReader(const char* path, std::size_t max_chars, bool show_progress)
     : path_(path), max_chars_(max_chars > 0 ? max_chars : 1) {
-  if (source_.Open(path)) block_ = std::make_unique<char[]>(kBlockSize);
+  if (source_.Open(path, show_progress)) block_ = std::make_unique<char[]>(kBlockSize);
 }
 
 bool LineReader::Fill() {

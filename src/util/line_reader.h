@@ -15,8 +15,9 @@ class LineReader {
   // Opens `path` for reading; is_open() tells whether that worked. A line is
   // returned in pieces of at most `max_chars` characters, as a fixed read
   // buffer would deliver it. Unicode files are read as the latin1 text they
-  // hold (see TextSource).
-  LineReader(const char* path, std::size_t max_chars);
+  // hold (see TextSource). With `show_progress`, reading the file is shown
+  // as the run's progress (an input, not the configuration file).
+  LineReader(const char* path, std::size_t max_chars, bool show_progress = true);
   LineReader(const LineReader&) = delete;
   LineReader& operator=(const LineReader&) = delete;
 

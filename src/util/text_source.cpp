@@ -1,5 +1,7 @@
 #include "util/text_source.h"
 
+#include "util/progress.h"
+
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -11,7 +13,7 @@ constexpr std::size_t kRawSize = 64 * 1024;
 
 }  // namespace
 
-bool TextSource::Open(const char* path) {
+bool TextSource::Open(const char* path, bool show_progress) {
   Close();
   file_ = std::fopen(path, "rb");
   if (file_ == nullptr) return false;
@@ -19,6 +21,7 @@ bool TextSource::Open(const char* path) {
   name_ = path;
   struct stat info {};
   if (fstat(fileno(file_), &info) == 0 && S_ISREG(info.st_mode)) size_ = static_cast<unsigned long long>(info.st_size);
+  progress_label_ = show_progress ? "Reading '" + name_ + "'" : "";
   return true;
 }
 
@@ -27,12 +30,16 @@ void TextSource::OpenStream(std::FILE* stream, const char* name) {
   file_ = stream;
   owned_ = false;
   name_ = name;
+  progress_label_.clear();
 }
 
 void TextSource::Close() {
   if (file_ == nullptr) return;
   const char* kind = encoding_ == Encoding::kUtf16Le ? "little-endian" : "big-endian";
-  if (encoding_ != Encoding::kBytes || (utf8_sequences_ > 0 && !utf8_broken_)) std::fflush(stdout);
+  if (encoding_ != Encoding::kBytes || (utf8_sequences_ > 0 && !utf8_broken_)) {
+    std::fflush(stdout);
+    ProgressHide();
+  }
   if (encoding_ != Encoding::kBytes) {
     std::fprintf(stderr, "Note: '%s' is Unicode text (UTF-16, %s) and was read as latin1 text", name_.c_str(), kind);
     if (replaced_ > 0) {
@@ -56,6 +63,7 @@ std::size_t TextSource::ReadRaw(char* out, std::size_t size) {
   if (count == 0 && !anything_read_ && std::ferror(file_) != 0) unreadable_ = true;
   if (count > 0) anything_read_ = true;
   position_ += count;
+  if (!progress_label_.empty()) ProgressAt(progress_label_.c_str(), position_, size_, "bytes");
   return count;
 }
 

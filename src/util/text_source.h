@@ -23,8 +23,9 @@ class TextSource {
   TextSource(const TextSource&) = delete;
   TextSource& operator=(const TextSource&) = delete;
 
-  // Opens the file `path`. Returns false when it cannot be opened.
-  bool Open(const char* path);
+  // Opens the file `path`. Returns false when it cannot be opened. With
+  // `show_progress`, reading it is shown as the run's progress.
+  bool Open(const char* path, bool show_progress = true);
 
   // Reads from `stream`, which is never closed here; `name` names it in notices.
   void OpenStream(std::FILE* stream, const char* name);
@@ -61,6 +62,7 @@ class TextSource {
   std::FILE* file_ = nullptr;
   bool owned_ = false;
   std::string name_;
+  std::string progress_label_;  // empty when reading is not shown as progress
   Encoding encoding_ = Encoding::kBytes;
   bool mark_checked_ = false;
   bool anything_read_ = false;

@@ -1,7 +1,12 @@
 #include "support/program_run.h"
 
 #include <gtest/gtest.h>
+#include <fcntl.h>
+#include <pty.h>
 #include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
 
 #include <cstdio>
 #include <cstdlib>
@@ -27,7 +32,7 @@ ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& ar
   std::string command = "cd " + Quote(dir) + " && " + Quote(CORVANA_BINARY);
   for (const std::string& arg : args) command += " " + Quote(arg);
   command += " 2>" + Quote(errors_file);
-  ProgramRun run{-1, "", ""};
+  ProgramRun run{-1, "", "", ""};
   std::FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) return run;
   char buffer[4096];
@@ -36,6 +41,11 @@ ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& ar
   int status = pclose(pipe);
   run.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   run.errors = ReadFile(errors_file);
+  std::size_t summary = run.errors.find("== Summary of ");
+  if (summary != std::string::npos && (summary == 0 || run.errors[summary - 1] == '\n')) {
+    run.summary = run.errors.substr(summary);
+    run.errors.erase(summary);
+  }
   std::filesystem::remove_all(std::filesystem::path(errors_file).parent_path());
   // A crash, or a sanitizer's report in the sanitizer build, fails the test
   // whatever the caller compares.
@@ -44,6 +54,49 @@ ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& ar
   if (reported || (run.exit_code != 0 && run.exit_code != 1)) {
     ADD_FAILURE() << "the program ended with " << run.exit_code << " and reported:\n" << run.errors;
   }
+  return run;
+}
+
+ProgramRun RunProgramOnTerminal(const std::string& dir, const std::vector<std::string>& args) {
+  ProgramRun run{-1, "", "", ""};
+  int terminal = -1;
+  int program_side = -1;
+  if (openpty(&terminal, &program_side, nullptr, nullptr, nullptr) != 0) {
+    ADD_FAILURE() << "no pseudo-terminal";
+    return run;
+  }
+  std::string output_file = MakeTempDir() + "/stdout";
+  pid_t child = fork();
+  if (child == 0) {
+    close(terminal);
+    int output = open(output_file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (output < 0 || chdir(dir.c_str()) != 0) _exit(127);
+    dup2(output, STDOUT_FILENO);
+    dup2(program_side, STDERR_FILENO);
+    std::vector<char*> argv{const_cast<char*>(CORVANA_BINARY)};
+    for (const std::string& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
+    argv.push_back(nullptr);
+    execv(CORVANA_BINARY, argv.data());
+    _exit(127);
+  }
+  close(program_side);
+  char buffer[4096];
+  for (;;) {
+    ssize_t n = read(terminal, buffer, sizeof buffer);
+    if (n > 0) {
+      run.errors.append(buffer, static_cast<std::size_t>(n));
+    } else if (n < 0 && errno == EINTR) {
+      continue;
+    } else {
+      break;  // EIO once the program has closed its side
+    }
+  }
+  close(terminal);
+  int status = 0;
+  waitpid(child, &status, 0);
+  run.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  run.output = ReadFile(output_file);
+  std::filesystem::remove_all(std::filesystem::path(output_file).parent_path());
   return run;
 }
 

@@ -8,11 +8,17 @@
 struct ProgramRun {
   int exit_code;
   std::string output;  // standard output, byte for byte
-  std::string errors;  // standard error: what the program tells the operator beyond the log
+  std::string errors;  // standard error before the summary: notices for the operator
+  std::string summary;  // the summary the program prints on stderr after a job
 };
 
 // Runs the program in `dir` (its current directory) with `args`.
 ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& args);
+
+// The same with standard error on a pseudo-terminal, as when an operator
+// watches the run: `errors` then holds all the terminal received (progress
+// lines included) and `summary` stays empty.
+ProgramRun RunProgramOnTerminal(const std::string& dir, const std::vector<std::string>& args);
 
 // Copies the files of `source_dir` (a samples/<org> folder, relative to the
 // repository) into `dir`.

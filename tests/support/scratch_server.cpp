@@ -63,11 +63,31 @@ bool ScratchServer::Script(const std::string& command) {
 
 bool ScratchServer::Start() {
   if (dir_.empty()) return false;
-  // The free port may be taken meanwhile (as the local end of some client's
-  // connection): try another.
+  // The free port may be taken meanwhile (by another test's server, or as
+  // the local end of some client's connection): try another.
   for (int attempt = 0; attempt < 3; ++attempt) {
-    if (port_ != 0 && Script("start")) return true;
+    if (port_ != 0 && Script("start")) {
+      if (AnswersOverTcp()) return true;
+      log_ += "\nthe server did not answer on 127.0.0.1:" + std::to_string(port_);
+      Stop();
+    }
     port_ = FreePort();
+  }
+  return false;
+}
+
+bool ScratchServer::AnswersOverTcp() const {
+  TestServer address = server();
+  for (int attempt = 0; attempt < 20; ++attempt) {
+    MYSQL* connection = mysql_init(nullptr);
+    my_bool use_tls = 1;  // a server that requires TLS must answer too
+    mysql_options(connection, MYSQL_OPT_SSL_ENFORCE, &use_tls);
+    bool answered = mysql_real_connect(connection, address.host.c_str(), address.user.c_str(),
+                                       address.password.c_str(), nullptr, static_cast<unsigned>(address.port),
+                                       nullptr, 0) != nullptr;
+    mysql_close(connection);
+    if (answered) return true;
+    usleep(100000);
   }
   return false;
 }

@@ -5,6 +5,8 @@
 // object goes.
 #pragma once
 
+#include <mysql.h>
+
 #include <string>
 
 #include "support/test_database.h"
@@ -36,6 +38,7 @@ class ScratchServer {
 
  private:
   bool Script(const std::string& command);
+  bool AnswersOverTcp() const;
 
   std::string dir_;
   int port_;

@@ -67,6 +67,32 @@ TEST_F(GlfhImportTest, CtrlZInTheMiddleOfTheRegister) {
   EXPECT_EQ(log, ReadFile(CORVANA_SOURCE_DIR "/tests/jobs/glfh/expected/glfh_patients.log"));
 }
 
+// An operator watching on a terminal sees a progress line on stderr, drawn
+// in place and cleared before the job ends; the log on stdout is the same
+// byte for byte, and a log on a file or a pipe gets no progress at all.
+TEST_F(GlfhImportTest, ProgressOnATerminalOnly) {
+  std::string dir = MakeTempDir();
+  CopySamples("samples/glfh", dir);
+  WriteIni(dir);
+  ProgramRun watched = RunProgramOnTerminal(dir, {"-org", "GLFH", "-type", "patient", "-year", "2012"});
+  EXPECT_EQ(watched.exit_code, 0);
+  std::size_t progress = watched.errors.find("\rReading './GLFH_Patients.txt': ");
+  ASSERT_NE(progress, std::string::npos) << watched.errors;
+  std::size_t summary = watched.errors.find("== Summary of GLFH - patient - 2012");
+  ASSERT_NE(summary, std::string::npos) << watched.errors;
+  EXPECT_LT(progress, summary);
+  EXPECT_EQ(watched.errors.substr(summary - 4, 4), "\r\x1b[K");  // cleared before the summary
+  std::string connected = "connected successfully to '" + server_.host + ":" + database_ + "'\n";
+  ASSERT_NE(watched.output.find(connected), std::string::npos);
+  EXPECT_EQ(watched.output.substr(watched.output.find(connected) + connected.size()),
+            ReadFile(CORVANA_SOURCE_DIR "/tests/jobs/glfh/expected/glfh_patients.log"));
+
+  Exec("delete from patient; delete from record_entry");
+  ProgramRun piped = RunProgram(dir, {"-org", "GLFH", "-type", "patient", "-year", "2012"});
+  EXPECT_EQ(piped.errors, "");
+  EXPECT_EQ(piped.output.substr(piped.output.find(connected)), watched.output.substr(watched.output.find(connected)));
+}
+
 TEST_F(GlfhImportTest, MissingRegister) {
   EXPECT_EQ(RunJob(MakeTempDir()),
             "GLFH - patient - 2012\n"

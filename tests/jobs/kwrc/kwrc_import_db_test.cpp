@@ -17,6 +17,8 @@ class KwrcImportTest : public DatabaseTest {
   // job line on and every row it wrote must match the expected files.
   // Returns what it printed on stderr.
   std::string RunSampleYear(const SavedAs* encoding = nullptr);
+
+  std::string summary_;  // what the last run summed up on stderr
 };
 
 std::string KwrcImportTest::RunSampleYear(const SavedAs* encoding) {
@@ -30,6 +32,7 @@ std::string KwrcImportTest::RunSampleYear(const SavedAs* encoding) {
 
   ProgramRun run = RunProgram(dir, {"-org", "KWRC", "-type", "patient", "-year", "2012"});
   EXPECT_EQ(run.exit_code, 0);
+  summary_ = run.summary;
   std::string connected =
       "\n\nCorvanaDataImporter version 1.0 connected successfully to '" + server_.host + ":" + database_ + "'\n";
   EXPECT_EQ(run.output.substr(0, connected.size()), connected);
@@ -51,6 +54,22 @@ std::string KwrcImportTest::RunSampleYear(const SavedAs* encoding) {
 
 TEST_F(KwrcImportTest, SampleYear) {
   EXPECT_EQ(RunSampleYear(), "");
+  EXPECT_EQ(summary_.substr(0, summary_.find("Wall time")),
+            "== Summary of KWRC - patient - 2012\n"
+            "Rows written:\n"
+            "  patient                      18 inserted       36 updated\n"
+            "  problems                     31 inserted\n"
+            "  record_entry                 17 inserted\n"
+            "  releases                      8 inserted\n"
+            "  transfers                     1 inserted\n"
+            "Statements: 148 sent, 1 failed\n"
+            "Log lines reporting an error or a warning: 7\n");
+  // The counts are the rows the run left in the tables (the settings row was seeded).
+  for (const char* table : {"patient", "problems", "record_entry", "releases", "transfers"}) {
+    std::string line = summary_.substr(summary_.find(std::string("  ") + table + " "));
+    EXPECT_EQ(std::stoul(line.substr(26, 9)), std::stoul(Value(std::string("select count(*) from ") + table)))
+        << table;
+  }
 
   // The rules an operator would check first.
   EXPECT_EQ(Rows("select patient_id,status from patient where patient_id in ('012002','012004','012005','012011')"),
