@@ -2,6 +2,9 @@
 
 #include <cstring>
 
+#include "jobs/csaq_pks/pks_enclosures.h"
+#include "jobs/csaq_pks/pks_import.h"
+#include "jobs/csaq_pks/pks_taxonomy.h"
 #include "jobs/dswc/dswc_address_book.h"
 #include "jobs/dswc/dswc_admissions.h"
 #include "jobs/dswc/dswc_species.h"
@@ -42,6 +45,9 @@ constexpr JobRow kJobs[] = {
     {"DsWC", "species", TypeMatch::kExact, [](const RunOptions&) { ImportDswcSpecies(); }},
     {"DsWC", "address_book", TypeMatch::kExact, [](const RunOptions&) { ImportDswcAddressBook(); }},
     {"GLFH", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportGlfhPatients(); }},
+    {"CSAQ_PKS", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportZooRecords(); }},
+    {"CSAQ_PKS", "habitats", TypeMatch::kExact, [](const RunOptions&) { ImportEnclosureTree(); }},
+    {"CSAQ_PKS", "taxonomy", TypeMatch::kExact, [](const RunOptions&) { RepairTaxonomy(); }},
     {"UPRC", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportUprcPatients(options.year); }},
     {nullptr, "fixTransfers", TypeMatch::kRepair, [](const RunOptions&) { fixTransfers(); }},
     {nullptr, "fix180DayReports", TypeMatch::kRepair, [](const RunOptions&) { fix180DayReports(); }},
