@@ -49,6 +49,27 @@ bool PatientTableIsEmpty() {
   return true;
 }
 
+// The measurements and moves are read only after the patient rows are
+// written: a missing one must stop the job before it writes anything.
+bool LateExportsArePresent() {
+  struct LateExport {
+    const char* file;
+    const char* what;  // as the pass that reads it names it
+  };
+  constexpr LateExport kLateExports[] = {
+      {kMeasurementsFile, "measurements"},
+      {kMovesFile, "enclosure moves"},
+  };
+  for (const LateExport& late : kLateExports) {
+    std::unique_ptr<std::FILE, FileCloser> file(std::fopen(late.file, "rb"));
+    if (file == nullptr) {
+      std::printf("Unable to parse %s file '%s'\n", late.what, late.file);
+      return false;
+    }
+  }
+  return true;
+}
+
 // Sex from the export's SexType; an unknown text is reported and leaves "UNK".
 void ReadSexType(const char* sex_type, Text<11>& sex) {
   for (const SexType& known : kSexTypes) {
@@ -81,11 +102,11 @@ void AppendGroup(ZooImport& job, AnimalRecord& animal, const char* local_id, con
   }
   long long total = static_cast<long long>(counts.male) + counts.female + counts.other;
   if (total < kLargeGroup) {
-    // With a total this small no count can be larger, unless another is negative.
+    // With a total this small no count is above five, unless another is negative.
     const std::pair<int, const char*> members[] = {{counts.male, "M"}, {counts.female, "F"}, {counts.other, "UNK"}};
     for (const auto& [count, sex] : members) {
       animal.patient.sex = sex;
-      for (int i = 0; i < count && i < kLargeGroup; ++i) job.animals.Append(animal);
+      for (int i = 0; i < count && i < kLargeGroup - 1; ++i) job.animals.Append(animal);
     }
     return;
   }
@@ -136,18 +157,18 @@ using Pass = bool (*)(ZooImport& job);
 // left in the animal table.
 constexpr Pass kPasses[] = {
     LoadCensusDocument,         // first counts of the groups
-    LoadSpeciesCache,           //
+    LoadSpeciesCache,
     LoadAnimals,                // one record per animal, groups split or kept whole
     ApplyNoteEvents,            // birth, admission and release dates, collection places
     ApplyTransactions,          // acquisitions and dispositions
     SortAnimals,                // by admission date: the final positions
     ApplyIdentifiers,           // names, microchips, bands, tags
-    GeneratePatientIds,         //
+    GeneratePatientIds,
     CreatePatientRecords,       // the first rows written
     WriteNoteEntries,           // notes as record entries, releases
-    WriteMeasurements,          //
+    WriteMeasurements,
     WriteMoves,                 // move entries and current locations
-    ClearNonResidentLocations,  //
+    ClearNonResidentLocations,
     SetGroupCensusAttributes,   // first counts of the large groups
     WriteCensusCounts,          // the census history
 };
@@ -198,7 +219,7 @@ bool LoadAnimals(ZooImport& job) {
 }
 
 int ImportZooRecords() {
-  if (!PatientTableIsEmpty()) return 1;
+  if (!PatientTableIsEmpty() || !LateExportsArePresent()) return 1;
   try {
     ZooImport job;
     for (Pass pass : kPasses) {
