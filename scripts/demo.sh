@@ -72,6 +72,20 @@ demo_dswc() {
   show dswc
 }
 
+demo_csaq_pks() {
+  prepare csaq_pks
+  scripts/db.sh sql demo_csaq_pks < "$work/csaq_pks/species.sql"
+  for type in habitats patient taxonomy; do
+    run csaq_pks -org CSAQ_PKS -type "$type" -year 2015
+  done
+  show csaq_pks
+  scripts/db.sh sql demo_csaq_pks -t <<'SQL'
+select 'location' as `table`, count(*) as `rows` from location
+union all select 'biometric', count(*) from biometric;
+select patient_id, name, species, status, location, admission_date, final_date from patient limit 12;
+SQL
+}
+
 demo_glfh() {
   prepare glfh
   run glfh -org GLFH -type patient -year 2012
@@ -94,7 +108,7 @@ demo_repairs() {
 }
 
 orgs=("$@")
-[ $# -eq 0 ] && orgs=(kwrc dswc glfh uprc repairs)
+[ $# -eq 0 ] && orgs=(kwrc dswc csaq_pks glfh uprc repairs)
 for org in "${orgs[@]}"; do
   declare -F "demo_$org" >/dev/null || { echo "demo.sh: no demo for '$org'" >&2; exit 1; }
   "demo_$org"
