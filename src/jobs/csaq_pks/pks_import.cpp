@@ -4,6 +4,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "jobs/csaq_pks/pks_job.h"
 #include "store/connection.h"
@@ -31,8 +32,10 @@ struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// Patient keys are allocated by the server in insert order; the job's rows
-// must land on the patients it writes, not on rows already there.
+// The import is a migration into a fresh database: its patient ids start at
+// 00001 in each year, and it clears the location of every patient that is no
+// longer resident. Rows already in the table would get duplicate ids and
+// lose their locations.
 bool PatientTableIsEmpty() {
   SqlResult result = QuerySql("select count(*) from patient;", {});
   MYSQL_ROW row = result.NextRow();

@@ -89,8 +89,9 @@ void WriteMeasurement(ZooImport& job, const XmlNode* record) {
   }
   text = EscapeSqlText(text);
   WrapLongLines(text.data(), kLineWidth);
+  const char* measured_by = XmlChildText(record, "MeasuredByPerson");
   Text<32> who{};
-  who = HasText(XmlChildText(record, "MeasuredByPerson")) ? XmlChildText(record, "MeasuredByPerson") : "NA";
+  who = HasText(measured_by) ? measured_by : "NA";
 
   // A group's measurement is taken once: it goes on the first animal only.
   int entry_id = InsertRecordEntry(PatientKey(job.animals[run.first]), text.c_str(), entry_date.c_str(),
@@ -138,8 +139,9 @@ void WriteMove(ZooImport& job, const LocationNames& locations, const XmlNode* re
   const char* reason = XmlChildText(record, "TransferReason");
   if (HasText(reason)) text.append(", Reason: ").append(reason);
   WrapLongLines(text.data(), kLineWidth);
+  const char* responsible = XmlChildText(record, "ResponsibleParty");
   Text<32> who{};
-  who = HasText(XmlChildText(record, "ResponsibleParty")) ? XmlChildText(record, "ResponsibleParty") : "NA";
+  who = HasText(responsible) ? responsible : "NA";
   std::string entry_date = std::string(moved_in) + " 12:00:00";
 
   const char* location = locations.FindLocationNameByDescription(enclosure.c_str());
