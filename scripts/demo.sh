@@ -4,7 +4,7 @@
 # running; stop it with scripts/db.sh stop).
 #
 #   scripts/demo.sh          every sample job
-#   scripts/demo.sh kwrc     only one organisation's jobs (kwrc, csaq_ff, dswc, glfh, uprc, sbr, repairs)
+#   scripts/demo.sh kwrc     only one organisation's jobs (kwrc, csaq_ff, csaq_pks, dswc, glfh, uprc, sbr, repairs)
 set -euo pipefail
 repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$repo"
@@ -88,6 +88,20 @@ demo_dswc() {
   show dswc
 }
 
+demo_csaq_pks() {
+  prepare csaq_pks
+  scripts/db.sh sql demo_csaq_pks < "$work/csaq_pks/species.sql"
+  for type in habitats patient taxonomy; do
+    run csaq_pks -org CSAQ_PKS -type "$type" -year 2015
+  done
+  show csaq_pks
+  scripts/db.sh sql demo_csaq_pks -t <<'SQL'
+select 'location' as `table`, count(*) as `rows` from location
+union all select 'biometric', count(*) from biometric;
+select patient_id, name, species, status, location, admission_date, final_date from patient limit 12;
+SQL
+}
+
 demo_glfh() {
   prepare glfh
   run glfh -org GLFH -type patient -year 2012
@@ -133,7 +147,7 @@ demo_repairs() {
 }
 
 orgs=("$@")
-[ $# -eq 0 ] && orgs=(kwrc csaq_ff dswc glfh uprc sbr repairs)
+[ $# -eq 0 ] && orgs=(kwrc csaq_ff csaq_pks dswc glfh uprc sbr repairs)
 for org in "${orgs[@]}"; do
   declare -F "demo_$org" >/dev/null || { echo "demo.sh: no demo for '$org'" >&2; exit 1; }
   "demo_$org"

@@ -9,6 +9,9 @@
 #include "jobs/csaq_ff/csaq_ff_rehab.h"
 #include "jobs/csaq_ff/csaq_ff_species.h"
 #include "jobs/csaq_ff/csaq_ff_water_chemistry.h"
+#include "jobs/csaq_pks/pks_enclosures.h"
+#include "jobs/csaq_pks/pks_import.h"
+#include "jobs/csaq_pks/pks_taxonomy.h"
 #include "jobs/dswc/dswc_address_book.h"
 #include "jobs/dswc/dswc_admissions.h"
 #include "jobs/dswc/dswc_species.h"
@@ -61,6 +64,9 @@ constexpr JobRow kJobs[] = {
     {"DsWC", "species", TypeMatch::kExact, [](const RunOptions&) { ImportDswcSpecies(); }},
     {"DsWC", "address_book", TypeMatch::kExact, [](const RunOptions&) { ImportDswcAddressBook(); }},
     {"GLFH", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportGlfhPatients(); }},
+    {"CSAQ_PKS", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportZooRecords(); }},
+    {"CSAQ_PKS", "habitats", TypeMatch::kExact, [](const RunOptions&) { ImportEnclosureTree(); }},
+    {"CSAQ_PKS", "taxonomy", TypeMatch::kExact, [](const RunOptions&) { RepairTaxonomy(); }},
     {"UPRC", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportUprcPatients(options.year); }},
     {"SBR_LA", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportSbrPatients(options.region.c_str()); }},
     {"SBR_SF", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportSbrPatients(options.region.c_str()); }},

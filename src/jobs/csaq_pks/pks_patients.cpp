@@ -1,0 +1,67 @@
+// Patient ids (pass 8) and patient rows (pass 9) for the animals in their
+// final order.
+#include <cstdio>
+#include <string_view>
+
+#include "jobs/csaq_pks/pks_job.h"
+#include "store/connection.h"
+#include "util/strings.h"
+
+namespace {
+
+// Animals the export gives no admission date are filed under this year,
+// numbered by their own counter.
+constexpr const char* kFallbackAdmissionDate = "2000-01-01";
+
+void CreatePatientRecord(AnimalRecord& animal, int& undated) {
+  PatientRecord& patient = animal.patient;
+  if (patient.admission_date.empty()) {
+    std::printf("\tERROR - missing admission date for %s \n", animal.localId.c_str());
+    std::printf("\t\tSetting admission date to 2000-01-01!\n");
+    patient.admission_date = kFallbackAdmissionDate;
+    patient.patient_id.Format("2000-%.5d", undated++);
+  }
+  if (InsertPatient(patient) != 0) {
+    std::printf("\tERROR - Unable to create patient record for '%s'\n", patient.patient_id.c_str());
+  }
+  PatientFinderInfo& finder = animal.finder;
+  EscapeSql(finder.found_addr);
+  EscapeSql(finder.presenter_addr);
+  if (UpdatePatientFinderInfo(patient.patient_id.c_str(), finder) != 0) {
+    std::printf("\tERROR - Unable to update patient finder info for '%s'\n", patient.patient_id.c_str());
+    std::printf("\t'%s', '%s', '%s'\n", finder.found_addr.c_str(), finder.found_city.c_str(),
+                finder.found_state.c_str());
+  }
+}
+
+}  // namespace
+
+bool GeneratePatientIds(ZooImport& job) {
+  std::printf("Generating patient id's...\n");
+  int previous_year = 0;
+  int sequence = 1;
+  for (int position = 0; position < job.animals.size(); ++position) {
+    PatientRecord& patient = job.animals[position].patient;
+    if (patient.admission_date.empty()) continue;
+    Text<5> year_text{};
+    year_text = patient.admission_date.view().substr(0, 4);
+    int year = ToInt(year_text.c_str());
+    if (year > previous_year) sequence = 1;
+    patient.patient_id.Format("%.4d-%.5d", year, sequence);
+    previous_year = year;
+    ++sequence;
+  }
+  return true;
+}
+
+bool CreatePatientRecords(ZooImport& job) {
+  std::printf("Create patient records...\n");
+  int undated = 1;
+  for (int position = 0; position < job.animals.size(); ++position) CreatePatientRecord(job.animals[position], undated);
+  // The identifiers' attributes, now that each animal's patient key is known.
+  for (const IdentifierAttribute& pending : job.identifier_attributes) {
+    InsertPatientAttribute(PatientKey(job.animals[pending.position]), pending.attribute);
+  }
+  job.identifier_attributes = {};
+  return true;
+}

@@ -1,0 +1,190 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/program_run.h"
+#include "support/test_database.h"
+
+namespace {
+
+const std::vector<std::pair<std::string, std::string>> kTables = {
+    {"location", "name,description,flags,feed_order,display_order"},
+    {"species", "abbrev,common_name,species_group,kingdom,phylum,class,_order,family,genus,species"},
+    {"patient",
+     "id,patient_id,name,species,species_group,status,location,ageIn,age,sex,flags,admission_date,final_date,dob,"
+     "expected_release_date,away_from_date,away_to_date,band,microchip,replace(notes,'\\n','\\\\n'),found_addr,"
+     "found_city,found_state,found_county,found_country,found_district,presenter_org,presenter_city,presenter_state,"
+     "presenter_county,presenter_country,presenter_district,concat('[',presenter_transporter,']')"},
+    {"record_entry", "id,patient_id,replace(notes,'\\n','\\\\n'),date,who,weight,keel,location,amountFed,special"},
+    {"attributes", "patient_id,name,value,date"},
+    {"releases",
+     "record_entry_id,patient_id,date,how_age,how_sex,band_number,location,city,county,state,country,id_type,"
+     "tracker_type,pub_priv"},
+    {"transfers", "record_entry_id,patient_id,date,name,addr,city,state,zip,county,permit,reason,country"},
+    {"biometric",
+     "record_entry_id,date,weight,wc,length,girth,straight_NPN_length,curved_NPN_length,straight_carapace_width,"
+     "curved_carapace_width"}};
+
+class PksImportTest : public DatabaseTest {
+ protected:
+  // Runs one CSAQ_PKS job in `dir`; returns its log from the job line on.
+  std::string RunJob(const std::string& dir, const std::string& type) {
+    ProgramRun run = RunProgram(dir, {"-org", "CSAQ_PKS", "-type", type, "-year", "2015"});
+    EXPECT_EQ(run.exit_code, 0);
+    return run.output.substr(run.output.find("\nCSAQ_PKS - ") + 1);
+  }
+
+  std::string CountRows() {
+    return Value("select concat((select count(*) from patient),' ',(select count(*) from record_entry),' ',"
+                 "(select count(*) from attributes),' ',(select count(*) from location))");
+  }
+};
+
+// The three jobs in the order the README gives, on the samples: every message and every row.
+TEST_F(PksImportTest, SampleJobsInRunOrder) {
+  std::string dir = MakeTempDir();
+  CopySamples("samples/csaq_pks", dir);
+  WriteIni(dir);
+  Exec(ReadFile(dir + "/species.sql"));
+  std::string log;
+  for (const char* job : {"habitats", "patient", "taxonomy"}) log += RunJob(dir, job);
+  ExpectMatchesFile(log, "jobs/csaq_pks/expected/sample.log");
+  ExpectMatchesFile(Dump(kTables), "jobs/csaq_pks/expected/sample.rows");
+  ExpectMatchesFile(ReadFile(dir + "/GroupTempFile.txt"), "jobs/csaq_pks/expected/GroupTempFile.txt");
+
+  // The kestrel's patient insert fails on its name: its rows go to key 0, and the animals after it keep their own.
+  EXPECT_EQ(Value("select count(*) from patient where name like 'Kestrel%'"), "0");
+  EXPECT_EQ(Rows("select notes from record_entry where patient_id=0 order by id"),
+            (std::vector<std::string>{"Rescued", "", "Move To: Coastal Aviary"}));
+  EXPECT_EQ(Value("select p.patient_id from attributes a join patient p on p.id=a.patient_id where a.value='SP-0007'"),
+            "2013-00003");
+  EXPECT_EQ(Value("select count(*) from record_entry r left join patient p on p.id=r.patient_id "
+                  "where p.id is null and r.patient_id<>0"),
+            "0");
+  // Census dates keep their time in entries and attributes, and are date-only in patients and releases.
+  EXPECT_EQ(Rows("select p.final_date,r.date from patient p join releases r on r.patient_id=p.patient_id "
+                 "where p.patient_id='2012-00001'"),
+            (std::vector<std::string>{"2014-03-03|2014-03-03"}));
+}
+
+TEST_F(PksImportTest, NeedsAnEmptyPatientTable) {
+  std::string dir = MakeTempDir();
+  CopySamples("samples/csaq_pks", dir);
+  WriteIni(dir);
+  Exec("insert into patient (patient_id) values ('2010-00001')");
+  EXPECT_EQ(RunJob(dir, "patient"),
+            "CSAQ_PKS - patient - 2015\n"
+            "\tERROR: The patient table already holds 1 patients: this import needs an empty patient table\n");
+  EXPECT_EQ(CountRows(), "1 0 0 0");
+  EXPECT_EQ(ReadFile(dir + "/GroupTempFile.txt"), "");
+}
+
+// A missing export stops its job with its message before any row is written; so does a broken one that is read
+// before the first row.
+TEST_F(PksImportTest, MissingOrBrokenExports) {
+  const std::string loaded = "Loading census data...\nLoaded 0 species\nLoading patient data...\n";
+  struct Case {
+    const char* file;
+    const char* job;
+    bool also_broken;
+    std::string log_end;
+  };
+  const Case cases[] = {
+      {"CensusCounts.xml", "patient", true, "Loading census data...\nUnable to parse census file './CensusCounts.xml'\n"},
+      {"Animals.xml", "patient", true, loaded + "\tERROR: Unable to parse animal file './Animals.xml'\n"},
+      {"Notes.xml", "patient", true,
+       "Processed 21 animals\nLoading patient notes - FIRST PASS...\nUnable to parse notes file './Notes.xml'\n"},
+      {"Transactions.xml", "patient", true,
+       "Loading patient transactions...\nUnable to parse transactions file './Transactions.xml'\n"},
+      {"Identifiers.xml", "patient", true,
+       "Loading patient identifiers...\nUnable to parse identifiers file './Identifiers.xml'\n"},
+      {"Measurements.xml", "patient", false,
+       "CSAQ_PKS - patient - 2015\nUnable to parse measurements file './Measurements.xml'\n"},
+      {"EnclosureMoves.xml", "patient", false,
+       "CSAQ_PKS - patient - 2015\nUnable to parse enclosure moves file './EnclosureMoves.xml'\n"},
+      {"EnclosureTree.xml", "habitats", true,
+       "CSAQ_PKS - habitats - 2015\n\tERROR: Unable to parse habitat file './EnclosureTree.xml'\n"},
+      {"MissingTaxonomy.txt", "taxonomy", false,
+       "CSAQ_PKS - taxonomy - 2015\nUnable to open './MissingTaxonomy.txt'\n"},
+  };
+  for (const Case& c : cases) {
+    for (bool broken : {false, true}) {
+      if (broken && !c.also_broken) continue;
+      std::string dir = MakeTempDir();
+      CopySamples("samples/csaq_pks", dir);
+      WriteIni(dir);
+      std::string path = dir + "/" + c.file;
+      if (broken) {
+        std::string xml = ReadFile(path);
+        WriteFile(path, xml.substr(0, xml.rfind("</dataroot>")));  // the document element left open
+      } else {
+        std::remove(path.c_str());
+      }
+      std::string log = RunJob(dir, c.job);
+      const char* how = broken ? " broken" : " missing";
+      ASSERT_GE(log.size(), c.log_end.size()) << c.file << how << ":\n" << log;
+      EXPECT_EQ(log.substr(log.size() - c.log_end.size()), c.log_end) << c.file << how;
+      EXPECT_EQ(CountRows(), "0 0 0 0") << c.file << how;
+    }
+  }
+}
+
+// Hostile input: every record is reported or stored, the job runs to its end.
+TEST_F(PksImportTest, BadInputIsReportedAndTheJobGoesOn) {
+  std::string dir = MakeTempDir();
+  CopySamples("samples/csaq_pks", dir);
+  WriteIni(dir);
+  auto table = [](const std::string& name, const std::vector<std::string>& records) {
+    std::string xml = "<dataroot>\r\n";
+    for (const std::string& record : records) xml += "<" + name + ">" + record + "</" + name + ">\r\n";
+    return xml + "</dataroot>\r\n";
+  };
+  const std::string long_id(60, 'L');
+  const std::string long_note(100001, 'n');
+  WriteFile(dir + "/Animals.xml",
+            table("Animals", {"<Local_ID>B1</Local_ID><TaxonInfo>Odd</TaxonInfo>",
+                              "<Local_ID>G9</Local_ID><TaxonInfo>x/y</TaxonInfo>"
+                              "<CurrentAccessionType>Group of Animals</CurrentAccessionType>",
+                              "<Local_ID>" + long_id + "</Local_ID><TaxonInfo>x/y</TaxonInfo>"}));
+  WriteFile(dir + "/CensusCounts.xml",
+            table("CensusCounts", {"<Local_ID>G9</Local_ID><CensusDate>2012-01-01</CensusDate>"
+                                   "<Male>2147483647</Male><Female>-2147483648</Female>",
+                                   "<Local_ID>B1</Local_ID><CensusDate>2013-01-01</CensusDate><Male>x</Male>"
+                                   "<Female>0</Female><Other>0</Other><GroupCount>0</GroupCount>"
+                                   "<ChangeInCount>-1</ChangeInCount>"}));
+  WriteFile(dir + "/Notes.xml",
+            table("Notes", {"<GAN>1</GAN><Local_ID>B1</Local_ID><NoteType>General</NoteType>"
+                            "<NoteDate>2012-02-02</NoteDate><Comment>" + long_note + "</Comment>",
+                            "<Local_ID>B1</Local_ID><NoteType>Diet</NoteType><NoteDate>2012-02-03</NoteDate>"
+                            "<Comment>O'Neil said \"no\" \\ ok</Comment>",
+                            "<Local_ID>B1</Local_ID><NoteType>Capture</NoteType><NoteDate>2012-02-01</NoteDate>",
+                            "<Local_ID>" + long_id + "</Local_ID><NoteType>Capture</NoteType>"}));
+  WriteFile(dir + "/Measurements.xml",
+            table("Measurements", {"<GAN>7</GAN><Local_ID>B1</Local_ID><MeasurementDate>2012-02-02</MeasurementDate>"
+                                   "<MeasurementTypeName>Live weight</MeasurementTypeName>"
+                                   "<MeasurementValueEntered>1e400</MeasurementValueEntered>"
+                                   "<UnitOfMeasurement>gram</UnitOfMeasurement>"}));
+  for (const char* empty : {"/Transactions.xml", "/Identifiers.xml", "/EnclosureMoves.xml"}) {
+    WriteFile(dir + empty, "<dataroot/>");
+  }
+  std::string log = RunJob(dir, "patient");
+  const std::string expected_lines[] = {
+           std::string("\tERROR: Unable to lookup species: 'Odd'\n"),
+           "\tERROR - very long notes comment (100043) for 'B1' on '2012-02-02 12:00:00'\n",
+           "\tERROR: Processing notes - cannot find '" + long_id + "'\n",
+           std::string("\tERROR - measurement value '1e400' is no number for GAN=7\n"),
+           std::string("\tERROR: Processing census counts - Male 'x' is no number for 'B1'\n"),
+           std::string("Processed 2 census reccords\n")};
+  for (const std::string& line : expected_lines) {
+    EXPECT_NE(log.find(line), std::string::npos) << line << "\nin:\n" << log.substr(0, 3000);
+  }
+  // Five group members at most from counts that only add up to less than six.
+  EXPECT_EQ(Value("select count(*) from patient where notes like '%G9%'"), "5");
+  EXPECT_EQ(Value("select notes from record_entry where notes like 'Entry type: Diet%'"),
+            "Entry type: Diet\n---------------------\nO'Neil said \"no\" \\ ok");
+}
+
+}  // namespace

@@ -1,0 +1,83 @@
+#include "jobs/csaq_pks/pks_text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+TEST(PksTextTest, DatesAndNumbers) {
+  const std::pair<const char*, const char*> qualified[] = {
+      {"~ before 2012-05-01", "2012-05-01"},
+      {"~ from 2009-06-15T00:00:00", "2009-06-15"},
+      {"2014-07-02T00:00:00", "2014-07-02"},
+      {"~ after 2012-05-01", "~ after 20"},      // not a qualifier it knows
+      {"x ~ from 2009-06-15", "m 2009-06-"},      // taken to stand at the start
+      {"", ""},
+  };
+  for (const auto& [note_date, date] : qualified) EXPECT_EQ(StripDateQualifier(note_date), date) << note_date;
+
+  for (const char* date : {"2012-05-01", "2013-04-02 10:15:00", "2013-04-02T10:15:00+05:00"}) {
+    EXPECT_TRUE(IsExportDate(date)) << date;
+  }
+  for (const char* date : {"", "2012-5-01", "5/1/2012", "sometime in May", "~ Undetermined", "2012-05-0"}) {
+    EXPECT_FALSE(IsExportDate(date)) << date;
+  }
+
+  const std::pair<const char*, int> counts[] = {{"12", 12}, {" -3", -3}, {"+4 animals", 4}, {"7.9", 7}};
+  for (const auto& [text, value] : counts) {
+    int read = 99;
+    EXPECT_TRUE(ReadCount(text, read)) << text;
+    EXPECT_EQ(read, value) << text;
+  }
+  for (const char* text : {"", "one", "-", " x1"}) {
+    int read = 99;
+    EXPECT_FALSE(ReadCount(text, read)) << text;
+    EXPECT_EQ(read, 99) << text;
+  }
+  double value = 0;
+  EXPECT_TRUE(ReadDecimal("2.5 kg", value));
+  EXPECT_EQ(value, 2.5);
+  for (const char* text : {"n/a", "", "nan", "inf"}) EXPECT_FALSE(ReadDecimal(text, value)) << text;
+}
+
+TEST(PksTextTest, DropFirstApostrophe) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"Loggerhead's Lagoon", "Loggerheads Lagoon"}, {"a'b'c", "ab'c"}, {"'", ""}, {"none", "none"}};
+  for (const auto& [text, result] : cases) {
+    std::string buffer = text;
+    DropFirstApostrophe(buffer.data());
+    EXPECT_STREQ(buffer.c_str(), result);
+  }
+}
+
+TEST(PksTextTest, Replacements) {
+  std::string text = "aaaa";
+  ReplaceAll(text, "aa", "a");  // replaced text is not scanned again
+  EXPECT_EQ(text, "aa");
+  text = "&lt;td x=1&gt;A&lt;td&gt;B&lt;td no end";
+  ReplaceTagWithAttributes(text, "&lt;td", "|");
+  EXPECT_EQ(text, "|A|B&lt;td no end");
+}
+
+TEST(PksTextTest, CleanMarkup) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"&lt;p&gt;Ate well&lt;/p&gt;&lt;p style=&quot;color:red&quot;&gt;Active", "\nAte wellActive"},
+      {"&lt;ol&gt;&lt;li&gt;one&lt;/li&gt;&lt;li&gt;two&lt;/li&gt;&lt;/ol&gt;", "\n*one\n*two"},
+      {"&lt;table border=&quot;1&quot;&gt;&lt;tbody&gt;&lt;tr&gt;&lt;td style=&quot;w&quot;&gt;Squid&lt;/td&gt;"
+       "&lt;td&gt;20 g&lt;/td&gt;&lt;/tr&gt;&lt;/tbody&gt;&lt;/table&gt;",
+       "\nSquid 20 g \n"},
+      {"&lt;div&gt;&lt;strong&gt;A&lt;/strong&gt;&amp;nbsp;&lt;em&gt;b&lt;/em&gt;&lt;/div&gt;", "A b"},
+      {"&ldquo;q&rdquo; &amp;lsquo;s&amp;rsquo; x&amp;ndash;y", "\"q\" 's' x-y"},
+      {"&lt;span class=&quot;c&quot;&gt;kept&lt;/span&gt; &lt;pre&gt;code", "kept code"},
+      {"a &lt; b &amp;amp; c", "a &lt; b &amp;amp; c"},  // entities outside the list stay
+      {"&lt;p no end", "&lt;p no end"},
+  };
+  for (const auto& [markup, plain] : cases) {
+    std::string text = markup;
+    CleanMarkup(text);
+    EXPECT_EQ(text, plain) << markup;
+  }
+}
+
+}  // namespace
