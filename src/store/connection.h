@@ -141,6 +141,9 @@ class SqlResult {
   // back as nullptr.
   MYSQL_ROW NextRow();
 
+  // How many rows the result holds (0 for none).
+  unsigned long long size() const { return result_ != nullptr ? mysql_num_rows(result_) : 0; }
+
  private:
   MYSQL_RES* result_ = nullptr;
 };

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -27,7 +28,9 @@ struct Progress {
   bool shown = false;
   bool active = false;  // a stage is running
   bool drawn = false;   // the line is on the screen now
+  bool reading = false;  // the stage is an input file being read
   Stage stage;
+  Stage saved;  // the job's stage while a file is read; empty when none
   unsigned long long statements = 0;
   unsigned long long stage_statements = 0;  // at the start of the stage
   Clock::time_point last_draw;
@@ -67,13 +70,13 @@ void Draw(Clock::time_point now) {
   const Stage& stage = g_progress.stage;
   double seconds = std::chrono::duration<double>(now - stage.started).count();
   std::string line = "\r" + stage.what + ": " + Amount(stage.done, stage.unit);
+  if (stage.total > 0) line += " of " + Amount(stage.total, stage.unit);
+  if (stage.unit != "bytes") line += " " + stage.unit;
   if (stage.total > 0) {
-    line += " of " + Amount(stage.total, stage.unit);
     char percent[16];
-    std::snprintf(percent, sizeof percent, " (%llu%%)", stage.done * 100 / stage.total);
+    std::snprintf(percent, sizeof percent, " (%llu%%)", std::min(stage.done, stage.total) * 100 / stage.total);
     line += percent;
   }
-  if (stage.unit != "bytes") line += " " + stage.unit;
   unsigned long long statements = g_progress.statements - g_progress.stage_statements;
   if (seconds > 0.5) {
     char rate[64];
@@ -110,15 +113,35 @@ void MaybeDraw() {
 void ProgressStart(const char* what, unsigned long long total, const char* unit) {
   if (!Enabled()) return;
   g_progress.active = true;
+  g_progress.reading = false;
   g_progress.stage = Stage{what, unit, total, 0, Clock::now()};
   g_progress.stage_statements = g_progress.statements;
-  Draw(g_progress.stage.started);  // a new stage shows at once
+  MaybeDraw();
 }
 
-void ProgressAt(const char* what, unsigned long long done, unsigned long long total, const char* unit) {
+void ProgressReading(const char* what, unsigned long long done, unsigned long long total) {
   if (!Enabled()) return;
-  if (!g_progress.active || g_progress.stage.what != what) ProgressStart(what, total, unit);
+  if (!g_progress.active || g_progress.stage.what != what) {
+    // Keep the job's own stage to come back to; a reading stage is not kept.
+    if (g_progress.active && !g_progress.reading) g_progress.saved = g_progress.stage;
+    g_progress.active = true;
+    g_progress.reading = true;
+    g_progress.stage = Stage{what, "bytes", total, done, Clock::now()};
+    g_progress.stage_statements = g_progress.statements;
+  }
   ProgressUpdate(done);
+}
+
+void ProgressReadingDone(const char* what) {
+  if (!g_progress.active || !g_progress.reading || g_progress.stage.what != what) return;
+  g_progress.reading = false;
+  if (g_progress.saved.what.empty()) {
+    ProgressClear();
+    return;
+  }
+  g_progress.stage = g_progress.saved;
+  g_progress.saved = Stage{};
+  MaybeDraw();
 }
 
 void ProgressUpdate(unsigned long long done) {
@@ -142,6 +165,8 @@ void ProgressHide() {
 void ProgressClear() {
   ProgressHide();
   g_progress.active = false;
+  g_progress.reading = false;
+  g_progress.saved = Stage{};
 }
 
 bool ProgressShown() { return Enabled(); }

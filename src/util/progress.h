@@ -15,9 +15,11 @@ void ProgressStart(const char* what, unsigned long long total, const char* unit)
 // How many units of the current stage are done.
 void ProgressUpdate(unsigned long long done);
 
-// `done` of `total` units of the stage `what`: starts it when another stage
-// was shown, so that readers of several inputs each show their own.
-void ProgressAt(const char* what, unsigned long long done, unsigned long long total, const char* unit);
+// How far an input file has been read (`done` of `total` bytes): shown as
+// the stage `what` while the file is read. A job's own stage that was shown
+// before (a loop over records, a pass) comes back once reading is done.
+void ProgressReading(const char* what, unsigned long long done, unsigned long long total);
+void ProgressReadingDone(const char* what);
 
 // One more statement sent to the server: shown as the rate beside the stage.
 void ProgressStatement();
@@ -30,3 +32,17 @@ void ProgressClear();
 
 // True when progress is drawn at all (stderr is a terminal).
 bool ProgressShown();
+
+// The progress of one loop over `total` records, shown as the stage `what`.
+class ProgressLoop {
+ public:
+  ProgressLoop(const char* what, unsigned long long total) { ProgressStart(what, total, "records"); }
+  ProgressLoop(const ProgressLoop&) = delete;
+  ProgressLoop& operator=(const ProgressLoop&) = delete;
+
+  // One more record done.
+  void Step() { ProgressUpdate(++done_); }
+
+ private:
+  unsigned long long done_ = 0;
+};

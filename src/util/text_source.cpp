@@ -54,6 +54,7 @@ void TextSource::Close() {
                  "this)\n",
                  name_.c_str());
   }
+  if (!progress_label_.empty()) ProgressReadingDone(progress_label_.c_str());
   if (owned_) std::fclose(file_);
   file_ = nullptr;
 }
@@ -63,7 +64,7 @@ std::size_t TextSource::ReadRaw(char* out, std::size_t size) {
   if (count == 0 && !anything_read_ && std::ferror(file_) != 0) unreadable_ = true;
   if (count > 0) anything_read_ = true;
   position_ += count;
-  if (!progress_label_.empty()) ProgressAt(progress_label_.c_str(), position_, size_, "bytes");
+  if (!progress_label_.empty()) ProgressReading(progress_label_.c_str(), position_, size_);
   return count;
 }
 

@@ -477,6 +477,12 @@ const XmlNode* XmlRoot(const XmlDocument& document) { return Access::root(docume
 const XmlNode* XmlFirstChild(const XmlNode* node) { return node != nullptr ? node->first_child : nullptr; }
 const XmlNode* XmlNextSibling(const XmlNode* node) { return node != nullptr ? node->next_sibling : nullptr; }
 const XmlNode* XmlParent(const XmlNode* node) { return node != nullptr ? node->parent : nullptr; }
+
+long long XmlChildCount(const XmlNode* node) {
+  long long count = 0;
+  for (const XmlNode* child = XmlFirstChild(node); child != nullptr; child = XmlNextSibling(child)) ++count;
+  return count;
+}
 const char* XmlNodeName(const XmlNode* node) { return node != nullptr ? node->name : nullptr; }
 const char* XmlNodeText(const XmlNode* node) { return node != nullptr ? node->text : nullptr; }
 

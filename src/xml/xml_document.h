@@ -132,6 +132,9 @@ const XmlNode* XmlFirstChild(const XmlNode* node);
 const XmlNode* XmlNextSibling(const XmlNode* node);
 // The enclosing element, or null for a root or an element not yet appended.
 const XmlNode* XmlParent(const XmlNode* node);
+// The number of children of `node` (0 for null): the records of an exported
+// table, for a job's progress.
+long long XmlChildCount(const XmlNode* node);
 
 // The element's name, without namespace prefix for a loaded one.
 const char* XmlNodeName(const XmlNode* node);

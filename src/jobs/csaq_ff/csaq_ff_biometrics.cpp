@@ -10,6 +10,7 @@
 #include "store/measurement_store.h"
 #include "store/patient_store.h"
 #include "store/record_entry_store.h"
+#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -174,7 +175,9 @@ bool ImportVitalStatsRow(const XmlNode* row, PatientFinder& patients, Counts& co
 
 template <typename ImportRow>
 bool ImportRows(const XmlDocument& table, PatientFinder& patients, Counts& counts, ImportRow import_row) {
+  ProgressLoop progress("Importing the measurements", ExportRowCount(table));
   for (const XmlNode* row = FirstExportRow(table); row != nullptr; row = XmlNextSibling(row)) {
+    progress.Step();
     if (!import_row(row, patients, counts)) return false;
   }
   return true;

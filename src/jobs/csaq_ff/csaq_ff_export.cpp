@@ -8,6 +8,10 @@ const XmlNode* FirstExportRow(const XmlDocument& table) {
   return XmlFirstChild(XmlFindChild(XmlRoot(table), "dataroot", true));
 }
 
+unsigned long long ExportRowCount(const XmlDocument& table) {
+  return static_cast<unsigned long long>(XmlChildCount(XmlFindChild(XmlRoot(table), "dataroot", true)));
+}
+
 const XmlNode* DocumentElement(const XmlDocument& document) { return XmlFirstChild(XmlRoot(document)); }
 
 const char* FieldText(const XmlNode* row, const char* name) {

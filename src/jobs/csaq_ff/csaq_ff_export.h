@@ -30,6 +30,9 @@ inline constexpr const char* kFfHabitatLabel = "Habitat_x0020_Label";
 // element under the document's root. Null when there is none.
 const XmlNode* FirstExportRow(const XmlDocument& table);
 
+// How many rows the exported table holds: the total of a job's progress.
+unsigned long long ExportRowCount(const XmlDocument& table);
+
 // The document element (the first element of the file), or null.
 const XmlNode* DocumentElement(const XmlDocument& document);
 

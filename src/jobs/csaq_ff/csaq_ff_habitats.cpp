@@ -7,6 +7,7 @@
 #include "jobs/csaq_ff/csaq_ff_export.h"
 #include "store/reference_store.h"
 #include "util/pointer_list.h"
+#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -42,7 +43,9 @@ int ImportCsaqFfHabitats() {
   }
   PointerList<LocationRecord> locations(512);
   int parsed = 0;
+  ProgressLoop progress("Reading the habitats", ExportRowCount(habitats));
   for (const XmlNode* row = FirstExportRow(habitats); row != nullptr; row = XmlNextSibling(row)) {
+    progress.Step();
     locations.Append(ReadHabitat(row));
     ++parsed;
   }

@@ -9,6 +9,7 @@
 #include "store/connection.h"
 #include "store/measurement_store.h"
 #include "store/record_entry_store.h"
+#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -135,13 +136,17 @@ void ImportMedicalRecord(const XmlNode* row, const char* tag, CollectionAnimalTa
 }  // namespace
 
 void CSAQ_LoadVitalStats(const XmlDocument& husbandry, CollectionAnimalTable& animals) {
+  ProgressLoop progress("Importing the vital statistics", ExportRowCount(husbandry));
   for (const XmlNode* row = FirstExportRow(husbandry); row != nullptr; row = XmlNextSibling(row)) {
+    progress.Step();
     if (const char* tag = TagOfType(row, "Vital Stats")) ImportVitalStats(row, tag, animals);
   }
 }
 
 void CSAQ_LoadMedicalRecords(const XmlDocument& husbandry, CollectionAnimalTable& animals) {
+  ProgressLoop progress("Importing the medical records", ExportRowCount(husbandry));
   for (const XmlNode* row = FirstExportRow(husbandry); row != nullptr; row = XmlNextSibling(row)) {
+    progress.Step();
     if (const char* tag = TagOfType(row, "Medical")) ImportMedicalRecord(row, tag, animals);
   }
 }

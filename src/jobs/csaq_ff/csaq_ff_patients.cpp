@@ -14,6 +14,7 @@
 #include "store/record_entry_store.h"
 #include "store/reference_store.h"
 #include "util/dates.h"
+#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -438,7 +439,9 @@ int ImportCsaqFfPatients() {
   CollectionSources sources(husbandry, habitats, census, abbreviations);
   CollectionImport import(sources);
   int parsed = 0;
+  ProgressLoop progress("Importing the collection records", ExportRowCount(groups));
   for (const XmlNode* row = FirstExportRow(groups); row != nullptr; row = XmlNextSibling(row)) {
+    progress.Step();
     if (import.ImportRecord(row)) ++parsed;
   }
   WriteCounts counts;

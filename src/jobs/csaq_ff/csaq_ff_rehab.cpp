@@ -9,6 +9,7 @@
 #include "jobs/csaq_ff/csaq_ff_patient_rows.h"
 #include "store/record_entry_store.h"
 #include "util/dates.h"
+#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -210,7 +211,9 @@ int ImportCsaqFfRehab() {
     return 1;
   }
   RehabCounts counts;
+  ProgressLoop progress("Importing the rehabilitation cases", ExportRowCount(cases));
   for (const XmlNode* row = FirstExportRow(cases); row != nullptr; row = XmlNextSibling(row)) {
+    progress.Step();
     ImportCase(row, counts);
   }
   std::printf("Parsed %d records\n", counts.parsed);

@@ -10,6 +10,7 @@
 #include "jobs/csaq_ff/csaq_ff_export.h"
 #include "store/connection.h"
 #include "util/pointer_list.h"
+#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -218,7 +219,9 @@ int ImportCsaqFfSpecies() {
 
   TaxonomySets sets;
   int inserted = 0;
+  ProgressLoop progress("Importing the species", ExportRowCount(scientific_names));
   for (const XmlNode* row = FirstExportRow(scientific_names); row != nullptr; row = XmlNextSibling(row)) {
+    progress.Step();
     SpeciesRecord species{};
     std::string common_name = ReadSpeciesFields(row, species, sets);
     species.hms = IsHighlyMigratorySpecies(common_name.c_str()) ? 'Y' : 'N';

@@ -8,6 +8,7 @@
 #include "store/connection.h"
 #include "store/reference_store.h"
 #include "util/dates.h"
+#include "util/progress.h"
 
 namespace {
 
@@ -142,7 +143,9 @@ int ImportCsaqFfWaterChemistry() {
   LocationIds location_ids;
   int errors = 0;
   int inserted = 0;
+  ProgressLoop progress("Importing the water tests", ExportRowCount(tests));
   for (const XmlNode* row = FirstExportRow(tests); row != nullptr; row = XmlNextSibling(row)) {
+    progress.Step();
     WaterQualityRecord reading{};
     const char* id = TestHabitatId(row);
     if (id == nullptr) continue;

@@ -11,6 +11,7 @@
 #include "store/disposition_store.h"
 #include "store/patient_store.h"
 #include "util/line_reader.h"
+#include "util/progress.h"
 #include "util/strings.h"
 #include "util/tokenizer.h"
 
@@ -254,7 +255,9 @@ bool WriteCensusCounts(ZooImport& job) {
     return false;
   }
   int visited = 0;
+  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
   for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
+    progress.Step();
     WriteCensusCount(job, record);
     ++visited;
   }

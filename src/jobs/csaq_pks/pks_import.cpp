@@ -4,10 +4,12 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string>
 #include <utility>
 
 #include "jobs/csaq_pks/pks_job.h"
 #include "store/connection.h"
+#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -155,25 +157,30 @@ void ImportAnimal(ZooImport& job, const XmlNode* record, std::FILE* group_file) 
 
 using Pass = bool (*)(ZooImport& job);
 
+struct PassStep {
+  Pass run;
+  const char* what;  // for the progress line
+};
+
 // The job, in the order it runs: every animal is built in memory before the
 // first patient row is written, and later passes rely on what earlier ones
 // left in the animal table.
-constexpr Pass kPasses[] = {
-    LoadCensusDocument,         // first counts of the groups
-    LoadSpeciesCache,
-    LoadAnimals,                // one record per animal, groups split or kept whole
-    ApplyNoteEvents,            // birth, admission and release dates, collection places
-    ApplyTransactions,          // acquisitions and dispositions
-    SortAnimals,                // by admission date: the final positions
-    ApplyIdentifiers,           // names, microchips, bands, tags
-    GeneratePatientIds,
-    CreatePatientRecords,       // the first rows written
-    WriteNoteEntries,           // notes as record entries, releases
-    WriteMeasurements,
-    WriteMoves,                 // move entries and current locations
-    ClearNonResidentLocations,
-    SetGroupCensusAttributes,   // first counts of the large groups
-    WriteCensusCounts,          // the census history
+constexpr PassStep kPasses[] = {
+    {LoadCensusDocument, "census"},                     // first counts of the groups
+    {LoadSpeciesCache, "species"},
+    {LoadAnimals, "animals"},                           // one record per animal, groups split or kept whole
+    {ApplyNoteEvents, "note events"},                   // birth, admission and release dates, collection places
+    {ApplyTransactions, "transactions"},                // acquisitions and dispositions
+    {SortAnimals, "sorting"},                           // by admission date: the final positions
+    {ApplyIdentifiers, "identifiers"},                  // names, microchips, bands, tags
+    {GeneratePatientIds, "patient ids"},
+    {CreatePatientRecords, "patients"},                 // the first rows written
+    {WriteNoteEntries, "note entries"},                 // notes as record entries, releases
+    {WriteMeasurements, "measurements"},
+    {WriteMoves, "moves"},                              // move entries and current locations
+    {ClearNonResidentLocations, "resident locations"},
+    {SetGroupCensusAttributes, "group census"},         // first counts of the large groups
+    {WriteCensusCounts, "census counts"},               // the census history
 };
 
 }  // namespace
@@ -209,7 +216,9 @@ bool LoadAnimals(ZooImport& job) {
     return false;
   }
   int visited = 0;
+  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
   for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
+    progress.Step();
     ImportAnimal(job, record, group_file.get());
     ++visited;
   }
@@ -225,8 +234,11 @@ int ImportZooRecords() {
   if (!PatientTableIsEmpty() || !LateExportsArePresent()) return 1;
   try {
     ZooImport job;
-    for (Pass pass : kPasses) {
-      if (!pass(job)) return 1;
+    int number = 0;
+    for (const PassStep& pass : kPasses) {
+      job.pass = "Pass " + std::to_string(++number) + " of " + std::to_string(std::size(kPasses)) + ": " + pass.what;
+      ProgressStart(job.pass.c_str(), 0, "records");
+      if (!pass.run(job)) return 1;
     }
   } catch (const std::bad_alloc&) {
     std::printf("Out of memory!\n");

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "jobs/csaq_pks/pks_animals.h"
@@ -39,7 +40,11 @@ struct ZooImport {
   InitialCensus initial_census;
   XmlDocument work;  // the file of the current pass
   std::vector<IdentifierAttribute> identifier_attributes;
+  std::string pass;  // "Pass 4 of 15: note events": what the progress line shows
 };
+
+// The progress of a pass's loop over the records of the file it read.
+inline long long RecordCount(const XmlDocument& document) { return XmlChildCount(XmlFirstChild(XmlRoot(document))); }
 
 // The first record of an exported table: the records are the children of
 // the first element under the root.

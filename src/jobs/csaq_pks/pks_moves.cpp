@@ -13,6 +13,7 @@
 #include "store/connection.h"
 #include "store/measurement_store.h"
 #include "store/patient_store.h"
+#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -168,7 +169,9 @@ bool WriteMeasurements(ZooImport& job) {
     return false;
   }
   int visited = 0;
+  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
   for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
+    progress.Step();
     WriteMeasurement(job, record);
     ++visited;
   }
@@ -190,7 +193,9 @@ bool WriteMoves(ZooImport& job) {
     return false;
   }
   int visited = 0;
+  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
   for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
+    progress.Step();
     WriteMove(job, locations, record);
     ++visited;
   }

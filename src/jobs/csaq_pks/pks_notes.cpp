@@ -10,6 +10,7 @@
 #include "jobs/csaq_pks/pks_text.h"
 #include "store/connection.h"
 #include "store/disposition_store.h"
+#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -310,7 +311,9 @@ bool ReadNotes(ZooImport& job, const char* title, Visit visit) {
     return false;
   }
   int visited = 0;
+  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
   for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
+    progress.Step();
     visit(job, record);
     ++visited;
   }

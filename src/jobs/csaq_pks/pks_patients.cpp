@@ -5,6 +5,7 @@
 
 #include "jobs/csaq_pks/pks_job.h"
 #include "store/connection.h"
+#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -57,7 +58,11 @@ bool GeneratePatientIds(ZooImport& job) {
 bool CreatePatientRecords(ZooImport& job) {
   std::printf("Create patient records...\n");
   int undated = 1;
-  for (int position = 0; position < job.animals.size(); ++position) CreatePatientRecord(job.animals[position], undated);
+  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(job.animals.size()));
+  for (int position = 0; position < job.animals.size(); ++position) {
+    CreatePatientRecord(job.animals[position], undated);
+    progress.Step();
+  }
   // The identifiers' attributes, now that each animal's patient key is known.
   for (const IdentifierAttribute& pending : job.identifier_attributes) {
     InsertPatientAttribute(PatientKey(job.animals[pending.position]), pending.attribute);

@@ -7,6 +7,7 @@
 
 #include "jobs/csaq_pks/pks_job.h"
 #include "jobs/csaq_pks/pks_text.h"
+#include "util/progress.h"
 
 namespace {
 
@@ -217,7 +218,9 @@ bool ApplyTransactions(ZooImport& job) {
     return false;
   }
   int visited = 0;
+  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
   for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
+    progress.Step();
     ApplyTransaction(job, record);
     ++visited;
   }
@@ -238,7 +241,9 @@ bool ApplyIdentifiers(ZooImport& job) {
     return false;
   }
   int visited = 0;
+  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
   for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
+    progress.Step();
     ApplyIdentifier(job, record);
     ++visited;
   }

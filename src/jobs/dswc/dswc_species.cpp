@@ -5,6 +5,7 @@
 
 #include "store/connection.h"
 #include "util/strings.h"
+#include "util/progress.h"
 
 namespace {
 
@@ -69,8 +70,11 @@ int ImportDswcSpecies() {
     return 1;
   }
   int inserted = 0;
+  ProgressLoop progress("Importing the species", static_cast<unsigned long long>(
+                                                     XmlChildCount(XmlParent(FirstDswcSpecies(species_list)))));
   for (const XmlNode* element = FirstDswcSpecies(species_list); element != nullptr;
        element = XmlNextSibling(element)) {
+    progress.Step();
     if (XmlAttributeIsTrue(element, "dup")) continue;
     if (ImportSpecies(element)) ++inserted;
   }

@@ -9,6 +9,7 @@
 #include "store/connection.h"
 #include "store/measurement_store.h"
 #include "util/text.h"
+#include "util/progress.h"
 
 namespace {
 
@@ -72,7 +73,9 @@ int fix_CBC_PCV_Records() {
       "from patient p, record_entry re, cbc c where c.record_entry_id=re.id and re.patient_id=p.id;",
       {});
   if (result) {
+    ProgressLoop progress("Fixing the CBC and PCV records", result.size());
     while (MYSQL_ROW row = result.NextRow()) {
+      progress.Step();
       const CbcRow cbc = ReadCbcRow(row);
       if (cbc.count == 0 && cbc.corrected_count != 0) {
         // No volume gives a corrected count from a count of 0.

@@ -8,6 +8,7 @@
 #include "jobs/repairs/repair_columns.h"
 #include "store/connection.h"
 #include "util/strings.h"
+#include "util/progress.h"
 
 namespace {
 
@@ -111,7 +112,9 @@ int fixEnrichmentRecords() {
   int fixed = 0;
   SqlResult result = QuerySql("select id from enrichment;", {});
   if (result) {
+    ProgressLoop progress("Fixing the enrichment records", result.size());
     while (MYSQL_ROW row = result.NextRow()) {
+      progress.Step();
       int id = ColumnInt(row[0]);
       EnrichmentRecord old{};
       if (GetEnrichment(id, old) != 0) {

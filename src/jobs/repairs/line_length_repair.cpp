@@ -7,6 +7,7 @@
 #include "jobs/repairs/repair_columns.h"
 #include "store/connection.h"
 #include "util/strings.h"
+#include "util/progress.h"
 
 namespace {
 
@@ -20,13 +21,14 @@ struct NoteTable {
   const char* heading;
   const char* select;
   const char* update;
+  const char* what;  // for the progress line
 };
 
 constexpr NoteTable kNoteTables[] = {
     {"Fixing RECORD_ENTRY line lengths\n", "select id,notes from record_entry;",
-     "update record_entry set notes='%s' where id=%d;"},
+     "update record_entry set notes='%s' where id=%d;", "Wrapping the record entry notes"},
     {"\nFixing LOCATION RECORD_ENTRY line lengths\n", "select id,notes from location_record_entry;",
-     "update location_record_entry set notes='%s' where id=%d;"},
+     "update location_record_entry set notes='%s' where id=%d;", "Wrapping the location record entry notes"},
 };
 
 // Working buffers, reused for every note of the run.
@@ -43,7 +45,9 @@ void WalkTable(const NoteTable& table, bool test, NoteBuffers& buffers) {
   int adjusted = 0;
   SqlResult result = QuerySql(table.select, {});
   if (result) {
+    ProgressLoop progress(table.what, result.size());
     while (MYSQL_ROW row = result.NextRow()) {
+      progress.Step();
       if (checked % kProgressEvery == 0) std::printf("-");
       int id = ColumnInt(row[0]);
       if (row[1] != nullptr) {

@@ -9,6 +9,7 @@
 #include "store/record_entry_store.h"
 #include "util/dates.h"
 #include "util/text.h"
+#include "util/progress.h"
 
 namespace {
 
@@ -28,7 +29,9 @@ int fixTransfers() {
   int count = 0;
   SqlResult result = QuerySql("select id,name from transfers where name like ' - %%';", {});
   if (result) {
+    ProgressLoop progress("Fixing the transfer names", result.size());
     while (MYSQL_ROW row = result.NextRow()) {
+      progress.Step();
       int id = ColumnInt(row[0]);
       std::string_view name = ColumnText(row[1]);
       Text<128> new_name{};
@@ -50,7 +53,9 @@ int fix180DayReports() {
   int count = 0;
   SqlResult result = QuerySql("select id,patient_id from patient where (flags&%I64d)>0;", {kFlagOver180DaysReported});
   if (result) {
+    ProgressLoop progress("Fixing the 180-day reports", result.size());
     while (MYSQL_ROW row = result.NextRow()) {
+      progress.Step();
       int id = ColumnInt(row[0]);
       const char* patient_id = ColumnText(row[1]);
       PatientAttribute attribute{};
