@@ -6,6 +6,7 @@
 #   scripts/db.sh status                say whether it runs
 #   scripts/db.sh create NAME [DIR]     (re)create database NAME from db/schema.sql and
 #                                       write DIR/CorvanaDataImporter.ini (DIR defaults to .)
+#   scripts/db.sh ini NAME [DIR]        only write DIR/CorvanaDataImporter.ini for NAME
 #   scripts/db.sh sql NAME [ARGS...]    run the mariadb client on NAME (SQL on stdin)
 #
 # Environment: CORVANA_DB_DIR (default <repo>/build/db), CORVANA_DB_PORT (3399),
@@ -165,6 +166,14 @@ DROP DATABASE IF EXISTS \`$name\`;
 CREATE DATABASE \`$name\` DEFAULT CHARACTER SET latin1;
 SQL
   client --database="$name" <"$repo/db/schema.sql"
+  cmd_ini "$name" "$out"
+  echo "Created database $name; wrote $(cd "$out" && pwd)/CorvanaDataImporter.ini"
+}
+
+cmd_ini() {
+  local name=${1:-} out=${2:-.}
+  [[ -n $name ]] || die "usage: scripts/db.sh ini NAME [DIR]"
+  check_name "$name"
   mkdir -p "$out"
   cat >"$out/CorvanaDataImporter.ini" <<INI
 [MYSQL]
@@ -174,7 +183,6 @@ Database=$name
 Username=$user
 Password=$password
 INI
-  echo "Created database $name; wrote $(cd "$out" && pwd)/CorvanaDataImporter.ini"
 }
 
 cmd_sql() {
@@ -191,6 +199,7 @@ case ${1:-} in
   stop) cmd_stop ;;
   status) cmd_status ;;
   create) shift; cmd_create "$@" ;;
+  ini) shift; cmd_ini "$@" ;;
   sql) shift; cmd_sql "$@" ;;
-  *) die "usage: scripts/db.sh start|stop|status|create NAME [DIR]|sql NAME [mariadb args...]" ;;
+  *) die "usage: scripts/db.sh start|stop|status|create NAME [DIR]|ini NAME [DIR]|sql NAME [mariadb args...]" ;;
 esac
