@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Builds the Debian package (build/package/corvana-data-importer_<version>_<arch>.deb).
+#
+#   scripts/package.sh            build the package
+#   scripts/package.sh --try      also install it on this machine with apt and run a
+#                                 sample job with the installed program against the
+#                                 local MariaDB (what CI does on its fresh machine)
+set -euo pipefail
+repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$repo"
+
+scripts/install-deps.sh
+cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build build -j"$(nproc)" --target CorvanaDataImporter
+(cd build && cpack -G DEB -B "$repo/build/package" >/dev/null)
+deb=$(ls "$repo"/build/package/corvana-data-importer_*.deb)
+echo "Built $deb"
+[[ ${1:-} == --try ]] || exit 0
+
+sudo=""
+[ "$(id -u)" -eq 0 ] || sudo="sudo"
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "$deb" >/dev/null
+echo "Installed: $(command -v CorvanaDataImporter)"
+
+started=0
+if ! scripts/db.sh status >/dev/null 2>&1; then
+  scripts/db.sh start >/dev/null
+  started=1
+fi
+work=$(mktemp -d)
+cleanup() {
+  echo "drop database package_try" | scripts/db.sh sql package_try 2>/dev/null || true
+  [ $started -eq 0 ] || scripts/db.sh stop >/dev/null
+  rm -rf "$work"
+}
+trap cleanup EXIT
+cp -r /usr/share/corvana-data-importer/samples/kwrc/. "$work/"
+echo "create database package_try default character set latin1" | scripts/db.sh sql mysql
+scripts/db.sh sql package_try </usr/share/corvana-data-importer/schema.sql
+scripts/db.sh ini package_try "$work"
+scripts/db.sh sql package_try <"$work/settings.sql"
+(cd "$work" && CorvanaDataImporter -org KWRC -type patient -year 2012) >"$work/log" 2>/dev/null
+tail -n 1 "$work/log"
+grep -q '^Imported 17 records$' "$work/log" || { echo "package.sh: the installed program did not import the sample" >&2; exit 1; }
+echo "The installed package ran the KWRC sample job."
