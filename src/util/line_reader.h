@@ -5,10 +5,9 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <string>
 
-#include "util/text_source.h"
+#include "util/text_stream.h"
 
 class LineReader {
  public:
@@ -21,7 +20,7 @@ class LineReader {
   LineReader(const LineReader&) = delete;
   LineReader& operator=(const LineReader&) = delete;
 
-  bool is_open() const { return source_.is_open(); }
+  bool is_open() const { return stream_.is_open(); }
 
   // Reads the next line (or the next piece of an over-long line) into `line`,
   // its line feed included when one ended it. Returns false at end of file.
@@ -30,23 +29,9 @@ class LineReader {
   // True when the last ReadLine stopped at the length limit, not at a line end.
   bool last_was_cut() const { return last_was_cut_; }
 
-  // How far through the file reading has got, and its size (0 when unknown).
-  unsigned long long position() const { return source_.position(); }
-  unsigned long long size() const { return source_.size(); }
-
  private:
-  static constexpr std::size_t kBlockSize = 64 * 1024;
-
-  int NextByte();
-  bool Fill();
-
-  TextSource source_;
-  const std::string path_;  // for the Ctrl-Z notice
-  const std::size_t max_chars_;
-  std::unique_ptr<char[]> block_;
-  const char* cursor_ = nullptr;
-  const char* limit_ = nullptr;
   long long line_ = 1;  // line of the file the next byte belongs to
-  bool at_end_ = false;
+  TextStream stream_;
+  const std::size_t max_chars_;
   bool last_was_cut_ = false;
 };

@@ -6,8 +6,7 @@
 #include <memory>
 #include <utility>
 
-#include "util/input_end.h"
-#include "util/text_source.h"
+#include "util/text_stream.h"
 
 // Both live in their document's arena; `arena` lets the calls that get no
 // document (XmlAddAttribute, XmlSetText, XmlAppendChild) find it.
@@ -171,85 +170,7 @@ class GrowingBuffer {
   std::size_t capacity_ = 0;
 };
 
-constexpr int kEndOfInput = -1;
-
-// The input as Windows text mode delivers it, read in blocks: CR LF becomes
-// LF, Ctrl-Z ends the input. Counts every line end into `line`.
-class TextInput {
- public:
-  explicit TextInput(long long& line) : line_(line) {}
-  TextInput(const TextInput&) = delete;
-  TextInput& operator=(const TextInput&) = delete;
-
-  bool AllocateBuffer() {
-    block_.reset(new (std::nothrow) char[kBlockSize]);
-    return block_ != nullptr;
-  }
-
-  // "stdin" reads standard input, which is never closed: the process may
-  // still need it.
-  bool Open(const char* file_name) {
-    if (std::strcmp(file_name, "stdin") == 0) {
-      source_.OpenStream(stdin, "stdin");
-    } else if (!source_.Open(file_name)) {
-      return false;
-    }
-    file_name_ = file_name;
-    return true;
-  }
-
-  void Close() { source_.Close(); }
-
-  // True when the very first read failed: the name opened but is not a
-  // readable file (a directory, say), which Windows refuses at open already.
-  bool unreadable() const { return source_.unreadable(); }
-
-  // The next character, or kEndOfInput.
-  int Next() {
-    if (cursor_ == limit_ && !Fill()) return kEndOfInput;
-    char c = *cursor_++;
-    if (c == '\n') {
-      ++line_;
-    } else if (c == '\r') {
-      ++line_;  // once for CR LF, once for a CR standing alone
-      if ((cursor_ != limit_ || Fill()) && *cursor_ == '\n') {
-        ++cursor_;
-        return '\n';
-      }
-    } else if (c == kCtrlZ) {
-      at_end_ = true;
-      unsigned long long unread = static_cast<unsigned long long>(limit_ - cursor_) + source_.CountRest();
-      ReportCtrlZ(file_name_, line_, unread);
-      cursor_ = limit_;
-      return kEndOfInput;
-    }
-    return static_cast<unsigned char>(c);
-  }
-
- private:
-  static constexpr std::size_t kBlockSize = 64 * 1024;
-  static constexpr char kCtrlZ = 0x1a;
-
-  bool Fill() {
-    if (at_end_) return false;
-    std::size_t count = source_.Read(block_.get(), kBlockSize);
-    if (count == 0) {
-      at_end_ = true;
-      return false;
-    }
-    cursor_ = block_.get();
-    limit_ = cursor_ + count;
-    return true;
-  }
-
-  long long& line_;
-  const char* file_name_ = "";  // for the Ctrl-Z notice; the caller's text outlives the load
-  TextSource source_;
-  std::unique_ptr<char[]> block_;
-  const char* cursor_ = nullptr;
-  const char* limit_ = nullptr;
-  bool at_end_ = false;
-};
+constexpr int kEndOfInput = TextStream::kEnd;
 
 // One run of XmlLoadFile over a document that already holds a fresh root.
 class XmlLoader {
@@ -268,7 +189,13 @@ class XmlLoader {
       SetError(document_, "Invalid (empty) filename");
       return 1;
     }
-    if (!input_.Open(file_name)) {
+    bool opened = true;
+    if (std::strcmp(file_name, "stdin") == 0) {
+      input_.OpenStream(stdin, "stdin");  // never closed: the process may still need it
+    } else {
+      opened = input_.Open(file_name, true);
+    }
+    if (!opened) {
       SetError(document_, "Unable to open file: '%s'", file_name);
       return 1;
     }
@@ -425,7 +352,7 @@ class XmlLoader {
   }
 
   XmlDocument& document_;
-  TextInput input_;
+  TextStream input_;
   XmlNode* current_;     // the innermost open element: receives children and text
   GrowingBuffer text_;   // characters since the last tag
   GrowingBuffer tag_;    // the kept characters of the tag being read

@@ -74,9 +74,10 @@ TEST(LineReaderTest, ReadsWindowsTextMode) {
   while (reader.ReadLine(line)) lines.push_back(line);
   EXPECT_EQ(lines, (std::vector<std::string>{"first\n", "second\rsti", "ll\n", "\xe9t\xe9\n", "0123456789",
                                              "ABC\n", "last"}));
-  // What a Ctrl-Z hides is named on stderr; a Ctrl-Z that ends the file is not.
+  // What a Ctrl-Z hides is named on stderr (a lone CR counts as a line end, as
+  // in the XML reader); a Ctrl-Z that ends the file is not.
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "Note: '" + path + "' ends at a Ctrl-Z (byte 0x1A) on line 5; the 7 bytes after it were not read\n");
+            "Note: '" + path + "' ends at a Ctrl-Z (byte 0x1A) on line 6; the 7 bytes after it were not read\n");
   WriteFile(path, "one\r\ntwo\r\n\x1a");
   LineReader dos_export(path.c_str(), 10);
   testing::internal::CaptureStderr();
