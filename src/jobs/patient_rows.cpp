@@ -26,3 +26,16 @@ int InsertImportNote(const PatientRecord& patient) {
   EscapeSql(note);
   return InsertRecordEntry(patient.id, note.c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0');
 }
+
+void ResetUnnamedTransfer(TransferRecord& transfer, const char* country) {
+  transfer = {};
+  transfer.name = "NA";
+  transfer.addr = "NA";
+  transfer.city = "NA";
+  transfer.state = "NA";
+  transfer.zip = "NA";
+  transfer.county = "NA";
+  transfer.permit = "NA";
+  transfer.country = country;
+  transfer.reason = "E/S";
+}

@@ -1,6 +1,7 @@
 // Steps that several patient imports share, with the messages they share.
 #pragma once
 
+#include "store/disposition_store.h"
 #include "store/patient_store.h"
 
 // Inserts the patient, then writes its finder columns. Prints
@@ -16,3 +17,7 @@ bool InsertPatientWithFinder(PatientRecord& patient, const PatientFinderInfo& fi
 // imported into Corvana" and a line of dashes, dated with the time of the
 // run. Returns the entry's id, or -1 when it could not be written.
 int InsertImportNote(const PatientRecord& patient);
+
+// Clears `transfer` for a receiver that the source does not name: every
+// place field "NA", reason "E/S", in `country`.
+void ResetUnnamedTransfer(TransferRecord& transfer, const char* country);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "jobs/csaq_pks/pks_job.h"
+#include "jobs/patient_rows.h"
 #include "jobs/csaq_pks/pks_text.h"
 #include "store/connection.h"
 #include "store/disposition_store.h"
@@ -73,17 +74,9 @@ void CloseAnimal(AnimalRecord& animal, const char* status, const char* date) {
 }
 
 void InsertCensusTransfer(const AnimalRecord& animal, int entry_id, const CensusCount& count) {
-  TransferRecord transfer{};
+  TransferRecord transfer;
+  ResetUnnamedTransfer(transfer, "USA");
   transfer.patient_id = animal.patient.patient_id;
-  transfer.name = "NA";
-  transfer.addr = "NA";
-  transfer.city = "NA";
-  transfer.state = "NA";
-  transfer.zip = "NA";
-  transfer.county = "NA";
-  transfer.permit = "NA";
-  transfer.country = "USA";
-  transfer.reason = "E/S";
   if (InsertTransfer(entry_id, transfer) != 0) {
     std::printf("\tERROR: can't create transfer record for '%s'\n", count.local_id);
   }

@@ -60,16 +60,8 @@ bool WriteProblems(const char* list, const PatientRecord& patient) {
 }
 
 bool WriteTransfer(char* place, const PatientRecord& patient, int record_entry_id) {
-  TransferRecord transfer{};
-  transfer.name = "NA";
-  transfer.addr = "NA";
-  transfer.city = "NA";
-  transfer.state = "NA";
-  transfer.zip = "NA";
-  transfer.county = "NA";
-  transfer.permit = "NA";
-  transfer.country = kCountry;
-  transfer.reason = "E/S";
+  TransferRecord transfer;
+  ResetUnnamedTransfer(transfer, kCountry);
   transfer.patient_id = patient.patient_id;
   transfer.date = patient.final_date;
 
