@@ -6,8 +6,8 @@
 #include <string>
 
 #include "jobs/csaq_pks/pks_job.h"
-#include "jobs/patient_rows.h"
 #include "jobs/csaq_pks/pks_text.h"
+#include "jobs/patient_rows.h"
 #include "store/connection.h"
 #include "store/disposition_store.h"
 #include "store/patient_store.h"
