@@ -37,12 +37,31 @@ TEST_F(ImporterTest, UsageAndConnectionFailures) {
   EXPECT_EQ(run.exit_code, 1);
   EXPECT_EQ(run.output, "Can't connect to '' on ':3306' as user ''!\n");
   EXPECT_EQ(ReadFile(empty_dir + "/CorvanaDataImporter.ini"), "\n");  // created for the operator to fill
-  std::string ini = ReadFile(dir_ + "/CorvanaDataImporter.ini");
-  WriteFile(dir_ + "/CorvanaDataImporter.ini", ini.substr(0, ini.find("Password=")) + "Password=wrong\r\n");
-  run = RunProgram(dir_, {"-org", "HWC", "-type", "x", "-year", "2012"});
-  EXPECT_EQ(run.exit_code, 1);
-  EXPECT_EQ(run.output, "Can't connect to '" + database_ + "' on '" + server_.host + ":" +
-                            std::to_string(server_.port) + "' as user '" + server_.user + "'!\n");
+  // A wrong password, a database that is not there, a server that is not
+  // there: the connection message, exit code 1, and the reason on stderr.
+  const std::string ini = ReadFile(dir_ + "/CorvanaDataImporter.ini");
+  auto with = [&](const std::string& key, const std::string& value) {
+    std::size_t start = ini.find(key + "=");
+    return ini.substr(0, start) + key + "=" + value + ini.substr(ini.find("\r\n", start));
+  };
+  const struct {
+    std::string ini;
+    std::string database, port, reason;
+  } failures[] = {
+      {with("Password", "wrong"), database_, std::to_string(server_.port), "Access denied"},
+      {with("Database", "no_such_database"), "no_such_database", std::to_string(server_.port), "Unknown database"},
+      {with("Port", "1"), database_, "1", "Can't connect"},
+  };
+  for (const auto& failure : failures) {
+    WriteFile(dir_ + "/CorvanaDataImporter.ini", failure.ini);
+    run = RunProgram(dir_, {"-org", "HWC", "-type", "x", "-year", "2012"});
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_EQ(run.output, "Can't connect to '" + failure.database + "' on '" + server_.host + ":" + failure.port +
+                              "' as user '" + server_.user + "'!\n");
+    EXPECT_EQ(run.errors.rfind("The server said: ", 0), 0u) << run.errors;
+    EXPECT_NE(run.errors.find(failure.reason), std::string::npos) << run.errors;
+    EXPECT_EQ(run.summary, "");  // no job ran
+  }
 }
 
 TEST_F(ImporterTest, JobSelection) {
