@@ -29,7 +29,9 @@ std::string Quote(const std::string& word) {
 
 ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& args) {
   std::string errors_file = MakeTempDir() + "/stderr";
-  std::string command = "cd " + Quote(dir) + " && " + Quote(CORVANA_BINARY);
+  // A hang is a failure like a crash: the run is stopped after two minutes
+  // (exit code 124), and killed if it ignores that.
+  std::string command = "cd " + Quote(dir) + " && timeout -k 5 120 " + Quote(CORVANA_BINARY);
   for (const std::string& arg : args) command += " " + Quote(arg);
   command += " 2>" + Quote(errors_file);
   ProgramRun run{-1, "", "", ""};
@@ -51,7 +53,9 @@ ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& ar
   // whatever the caller compares.
   bool reported = run.errors.find("Sanitizer") != std::string::npos ||
                   run.errors.find("runtime error:") != std::string::npos;
-  if (reported || (run.exit_code != 0 && run.exit_code != 1)) {
+  if (run.exit_code == 124) {
+    ADD_FAILURE() << "the program did not end within two minutes; it reported:\n" << run.errors;
+  } else if (reported || (run.exit_code != 0 && run.exit_code != 1)) {
     ADD_FAILURE() << "the program ended with " << run.exit_code << " and reported:\n" << run.errors;
   }
   return run;
