@@ -12,6 +12,12 @@ LineReader::LineReader(const char* path, std::size_t max_chars, bool show_progre
   if (source_.Open(path, show_progress)) block_ = std::make_unique<char[]>(kBlockSize);
 }
 
+bool LineReader::CanRead() {
+  if (!is_open()) return false;
+  if (cursor_ == limit_) Fill();
+  return !source_.unreadable();
+}
+
 bool LineReader::Fill() {
   if (at_end_) return false;
   std::size_t count = source_.Read(block_.get(), kBlockSize);
