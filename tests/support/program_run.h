@@ -17,6 +17,11 @@ struct ProgramRun {
 // two minutes (it is then stopped and `exit_code` is 124).
 ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& args);
 
+// The same as a user without privileges (the "nobody" user when the tests
+// run as root, whom file permissions do not stop), so that a file made
+// unreadable is unreadable to the program. `dir` is then opened to everyone.
+ProgramRun RunProgramUnprivileged(const std::string& dir, const std::vector<std::string>& args);
+
 // The same with standard error on a pseudo-terminal, as when an operator
 // watches the run: `errors` then holds all the terminal received (progress
 // lines included) and `summary` stays empty.
