@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Builds the libFuzzer targets of tests/fuzz with clang (AddressSanitizer and
 # UndefinedBehaviorSanitizer on) in build-fuzz/, seeds each from samples/ and
-# runs each for SECONDS seconds (default 30). Prints the executions of every
-# target; exits 1 when any target crashed, leaked, hung or ran out of memory
-# (the input that did it is kept under build-fuzz/artifacts/).
+# runs each for SECONDS seconds (default 30), one per core at a time. Prints
+# the executions of every target; exits 1 when any target crashed, leaked,
+# hung or ran out of memory (the input that did it is kept under
+# build-fuzz/artifacts/).
 #   scripts/fuzz.sh [SECONDS] [TARGET...]
 set -euo pipefail
 repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -79,25 +80,32 @@ seed_lines "$seeds/csaq_ff_fuzz" samples/csaq_ff/InvertebrateSpecies.txt
 seed_texts "$seeds/csaq_ff_fuzz" \
   '2.3 kg\x0034 41 10/76 40 20\x00Carteret County, NC &quot;Shelly&quot;; notes, Transfered to NC Zoo\x00Died\x002014-05-12T00:00:00\x00Loggerhead 12\x00Corn snake\x00Kemp&apos;s ridley\x00NC Zoo\x00Bluefin tuna\x00Salt\x00Chordata\x00Reptilia\x00Loggerhead\x00LOGGER\x002012-03-04'
 
-status=0
-failed=0
-mkdir -p "$build/corpus" "$build/artifacts"
-printf '%-22s %12s %s\n' target executions outcome
-for target in "${targets[@]}"; do
-  corpus=$build/corpus/$target
+# One target per core at a time: each runs single-threaded for its full time.
+run_target() {  # TARGET: runs it and writes its outcome line to build-fuzz/TARGET.outcome
+  local target=$1 corpus=$build/corpus/$1 log=$build/$1.log outcome runs
   mkdir -p "$corpus" "$seeds/$target"
-  log=$build/$target.log
   if "$build/tests/fuzz/$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=20000 \
       -close_fd_mask=2 -print_final_stats=1 -artifact_prefix="$build/artifacts/$target-" \
       "$corpus" "$seeds/$target" >"$log" 2>&1; then
     outcome=ok
   else
     outcome="FAILED (see $log)"
-    status=1
-    failed=$((failed + 1))
   fi
   runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -1)
-  printf '%-22s %12s %s\n' "$target" "${runs:-?}" "$outcome"
+  printf '%-22s %12s %s\n' "$target" "${runs:-?}" "$outcome" >"$build/$target.outcome"
+}
+mkdir -p "$build/corpus" "$build/artifacts"
+for target in "${targets[@]}"; do
+  while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do wait -n || true; done
+  run_target "$target" &
+done
+wait
+
+failed=0
+printf '%-22s %12s %s\n' target executions outcome
+for target in "${targets[@]}"; do
+  cat "$build/$target.outcome"
+  grep -q ' ok$' "$build/$target.outcome" || failed=$((failed + 1))
 done
 echo "Fuzzing: $((${#targets[@]} - failed)) passed, $failed failed"
-exit $status
+[ $failed -eq 0 ]

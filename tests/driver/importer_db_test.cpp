@@ -78,7 +78,8 @@ TEST_F(ImporterTest, TableMissingFromTheSchema) {
   };
   std::string expected = ReadFile(std::string(CORVANA_SOURCE_DIR) + "/tests/jobs/kwrc/expected/kwrc_2012.log");
   for (const Case& c : cases) {
-    SetUp();  // a fresh database for each case
+    TearDown();  // a fresh database for each case
+    SetUp();
     CopySamples("samples/kwrc", dir_);
     Exec(ReadFile(dir_ + "/settings.sql"));
     Exec(std::string("drop table ") + c.table);
@@ -100,9 +101,7 @@ TEST_F(ImporterTest, TableMissingFromTheSchema) {
     std::string imported = "Imported " + std::to_string(c.imported) + " records\n";
     EXPECT_EQ(rest, expected.substr(0, expected.rfind("Imported ")) + imported) << c.table;
     EXPECT_NE(run.summary.find("Statements: "), std::string::npos);
-    TearDown();
   }
-  SetUp();  // for the fixture's own TearDown
 }
 
 }  // namespace
