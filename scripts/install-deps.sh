@@ -3,7 +3,9 @@
 # Does nothing when everything is there already.
 set -euo pipefail
 
-packages=(g++ cmake make libgtest-dev libmariadb-dev mariadb-server mariadb-client)
+# clang-14 and its runtime (libFuzzer, the sanitizers) build scripts/fuzz.sh's
+# targets; iconv (libc-bin) makes their UTF-16 seeds.
+packages=(g++ cmake make libgtest-dev libmariadb-dev mariadb-server mariadb-client clang-14 libclang-rt-14-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -5,6 +5,8 @@ LineReader::LineReader(const char* path, std::size_t max_chars, bool show_progre
   if (stream_.AllocateBuffer()) stream_.Open(path, show_progress);
 }
 
+bool LineReader::CanRead() { return stream_.is_open() && stream_.CanRead(); }
+
 bool LineReader::ReadLine(std::string& line) {
   line.clear();
   last_was_cut_ = false;

@@ -22,6 +22,11 @@ class LineReader {
 
   bool is_open() const { return stream_.is_open(); }
 
+  // True when the file is open and can be read: a directory, say, opens but
+  // fails its first read. Reads the first block ahead (ReadLine still
+  // returns every line), so call it before reading, in place of is_open().
+  bool CanRead();
+
   // Reads the next line (or the next piece of an over-long line) into `line`,
   // its line feed included when one ended it. Returns false at end of file.
   bool ReadLine(std::string& line);

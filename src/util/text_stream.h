@@ -38,6 +38,12 @@ class TextStream {
   // readable file (a directory, say), which Windows refuses at open already.
   bool unreadable() const { return source_.unreadable(); }
 
+  // True when the first read succeeds (it reads the first block ahead).
+  bool CanRead() {
+    if (cursor_ == limit_) Fill();
+    return !source_.unreadable();
+  }
+
   // The next character (0 to 255), or kEnd.
   int Next() {
     if (cursor_ == limit_ && !Fill()) return kEnd;

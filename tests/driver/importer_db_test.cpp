@@ -81,4 +81,46 @@ TEST_F(ImporterTest, JobSelection) {
   }
 }
 
+// A table missing from the database (an old or partly loaded schema) fails
+// each statement that writes it: every row it should have held is named in
+// the log, every other row is written as usual, and the run ends with 0.
+TEST_F(ImporterTest, TableMissingFromTheSchema) {
+  struct Case {
+    const char* table;
+    const char* reported;  // the log line that names each row not written
+    int rows;              // rows of that table in a complete run
+    int imported;          // cases counted as imported (a case without its release is not)
+  };
+  const Case cases[] = {
+      {"problems", "Unable to create problem record for '", 31, 17},
+      {"releases", "Error creating release record for patient id '", 8, 9},
+  };
+  std::string expected = ReadFile(std::string(CORVANA_SOURCE_DIR) + "/tests/jobs/kwrc/expected/kwrc_2012.log");
+  for (const Case& c : cases) {
+    TearDown();  // a fresh database for each case
+    SetUp();
+    CopySamples("samples/kwrc", dir_);
+    Exec(ReadFile(dir_ + "/settings.sql"));
+    Exec(std::string("drop table ") + c.table);
+    ProgramRun run = RunProgram(dir_, {"-org", "KWRC", "-type", "patient", "-year", "2012"});
+    EXPECT_EQ(run.exit_code, 0) << c.table;
+    ASSERT_EQ(run.output.substr(0, Connected().size()), Connected());
+    std::string rest;
+    int reported = 0;
+    std::size_t start = Connected().size();
+    while (start < run.output.size()) {
+      std::size_t end = run.output.find('\n', start);
+      end = end == std::string::npos ? run.output.size() : end + 1;
+      std::string line = run.output.substr(start, end - start);
+      if (line.rfind(c.reported, 0) == 0) ++reported;
+      else rest += line;
+      start = end;
+    }
+    EXPECT_EQ(reported, c.rows) << c.table;
+    std::string imported = "Imported " + std::to_string(c.imported) + " records\n";
+    EXPECT_EQ(rest, expected.substr(0, expected.rfind("Imported ")) + imported) << c.table;
+    EXPECT_NE(run.summary.find("Statements: "), std::string::npos);
+  }
+}
+
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <fcntl.h>
 #include <pty.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,11 +26,13 @@ std::string Quote(const std::string& word) {
   return quoted + "'";
 }
 
-}  // namespace
-
-ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& args) {
+// RunProgram with `prefix` (a command that runs the program) in front.
+ProgramRun RunProgramWith(const std::string& prefix, const std::string& dir, const std::vector<std::string>& args) {
   std::string errors_file = MakeTempDir() + "/stderr";
-  std::string command = "cd " + Quote(dir) + " && " + Quote(CORVANA_BINARY);
+  if (!prefix.empty()) chmod(std::filesystem::path(errors_file).parent_path().c_str(), 0777);
+  // A hang is a failure like a crash: the run is stopped after two minutes
+  // (exit code 124), and killed if it ignores that.
+  std::string command = "cd " + Quote(dir) + " && timeout -k 5 120 " + prefix + Quote(CORVANA_BINARY);
   for (const std::string& arg : args) command += " " + Quote(arg);
   command += " 2>" + Quote(errors_file);
   ProgramRun run{-1, "", "", ""};
@@ -51,10 +54,24 @@ ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& ar
   // whatever the caller compares.
   bool reported = run.errors.find("Sanitizer") != std::string::npos ||
                   run.errors.find("runtime error:") != std::string::npos;
-  if (reported || (run.exit_code != 0 && run.exit_code != 1)) {
+  if (run.exit_code == 124) {
+    ADD_FAILURE() << "the program did not end within two minutes; it reported:\n" << run.errors;
+  } else if (reported || (run.exit_code != 0 && run.exit_code != 1)) {
     ADD_FAILURE() << "the program ended with " << run.exit_code << " and reported:\n" << run.errors;
   }
   return run;
+}
+
+}  // namespace
+
+ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& args) {
+  return RunProgramWith("", dir, args);
+}
+
+ProgramRun RunProgramUnprivileged(const std::string& dir, const std::vector<std::string>& args) {
+  if (geteuid() != 0) return RunProgramWith("", dir, args);
+  chmod(dir.c_str(), 0777);
+  return RunProgramWith("setpriv --reuid=65534 --regid=65534 --clear-groups ", dir, args);
 }
 
 ProgramRun RunProgramOnTerminal(const std::string& dir, const std::vector<std::string>& args) {

@@ -12,8 +12,15 @@ struct ProgramRun {
   std::string summary;  // the summary the program prints on stderr after a job
 };
 
-// Runs the program in `dir` (its current directory) with `args`.
+// Runs the program in `dir` (its current directory) with `args`. Fails the
+// test when the program crashes, a sanitizer reports, or it runs longer than
+// two minutes (it is then stopped and `exit_code` is 124).
 ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& args);
+
+// The same as a user without privileges (the "nobody" user when the tests
+// run as root, whom file permissions do not stop), so that a file made
+// unreadable is unreadable to the program. `dir` is then opened to everyone.
+ProgramRun RunProgramUnprivileged(const std::string& dir, const std::vector<std::string>& args);
 
 // The same with standard error on a pseudo-terminal, as when an operator
 // watches the run: `errors` then holds all the terminal received (progress

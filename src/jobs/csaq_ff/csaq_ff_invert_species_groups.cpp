@@ -45,7 +45,7 @@ int MarkSpecies(const std::string& line) {
 
 int ImportInvertSpeciesGroups() {
   LineReader reader(kSpeciesListFile, kMaxLine);
-  if (!reader.is_open()) {
+  if (!reader.CanRead()) {
     std::printf("Unable to open '%s'\n", kSpeciesListFile);
     return 1;
   }

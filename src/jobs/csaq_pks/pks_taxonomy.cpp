@@ -32,7 +32,7 @@ int UpdateSpeciesTaxonomy(int id, const char* const taxonomy[7]) {
 
 int RepairTaxonomy() {
   LineReader reader(kTaxonomyFile, kMaxLine);
-  if (!reader.is_open()) {
+  if (!reader.CanRead()) {
     std::printf("Unable to open '%s'\n", kTaxonomyFile);
     return 1;
   }

@@ -137,7 +137,7 @@ void ParseDswcBirthday(const char* birthday, Text<11>& dob) {
 int ImportDswcAddressBook() {
   std::printf("Loading address book data from '%s'\n", kAddressBookFile);
   LineReader reader(kAddressBookFile, kMaxLine);
-  if (!reader.is_open()) {
+  if (!reader.CanRead()) {
     std::printf("Unable to open '%s'\n", kAddressBookFile);
     return 1;
   }

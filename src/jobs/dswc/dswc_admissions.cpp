@@ -260,7 +260,7 @@ int ImportDswcAdmissions(int year) {
   file_name.Format("./%dAdmissions.txt", year);
   std::printf("Loading patient data from '%s'\n", file_name.c_str());
   LineReader reader(file_name.c_str(), kMaxLine);
-  if (!reader.is_open()) {
+  if (!reader.CanRead()) {
     std::printf("Unable to open '%s'\n", file_name.c_str());
     return 1;
   }

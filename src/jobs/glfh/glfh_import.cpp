@@ -117,7 +117,7 @@ bool ReadGlfhLine(std::string_view line, PatientRecord& patient, PatientFinderIn
 int ImportGlfhPatients() {
   std::printf("Loading patient data from '%s'\n", kInputFile);
   LineReader reader(kInputFile, kMaxLine);
-  if (!reader.is_open()) {
+  if (!reader.CanRead()) {
     std::printf("Unable to open '%s'\n", kInputFile);
     return 1;
   }

@@ -253,7 +253,7 @@ int ImportKwrcYear(int year) {
   Text<64> file_name{};
   file_name.Format("KWRC_%d.txt", year);
   LineReader reader(file_name.c_str(), kMaxLine);
-  if (!reader.is_open()) {
+  if (!reader.CanRead()) {
     std::printf("Unable to open '%s'!", file_name.c_str());
     return 1;
   }

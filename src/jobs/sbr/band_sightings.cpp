@@ -181,7 +181,7 @@ void ImportBandSightings(const char* folder, const char* file_name, int /*unused
   Counts counts;
   Report("Loading patient data from '%s'\n", path.c_str());
   LineReader reader(path.c_str(), kMaxLine);
-  if (!reader.is_open()) {
+  if (!reader.CanRead()) {
     ++counts.errors;
     Report("ERROR: Unable to open '%s'\n", path.c_str());
     return;

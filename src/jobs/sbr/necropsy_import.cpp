@@ -171,7 +171,7 @@ int FindPatientByAttribute(const char* name, const char* value) {
 void ImportNecropsyReports() {
   std::printf("Loading necropsy data from '%s'\n", kInputFile);
   LineReader reader(kInputFile, kMaxLine);
-  if (!reader.is_open()) {
+  if (!reader.CanRead()) {
     std::printf("Unable to open '%s'\n", kInputFile);
     return;
   }

@@ -481,7 +481,7 @@ int ImportSbrPatients(const char* region) {
   file_name.Format("./SBR_%s.txt", region);
   std::printf("Loading patient data from '%s'\n", file_name.c_str());
   LineReader reader(file_name.c_str(), kMaxLine);
-  if (!reader.is_open()) {
+  if (!reader.CanRead()) {
     std::printf("Unable to open '%s'\n", file_name.c_str());
     return 1;
   }

@@ -82,7 +82,7 @@ bool ImportLine(const std::string& text) {
 int ImportSbrSpecies() {
   std::printf("Loading species data from '%s'\n", kInputFile);
   LineReader reader(kInputFile, kMaxLine);
-  if (!reader.is_open()) {
+  if (!reader.CanRead()) {
     std::printf("Unable to open '%s'\n", kInputFile);
     return 1;
   }
