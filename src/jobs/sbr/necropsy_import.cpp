@@ -10,6 +10,7 @@
 #include "store/record_entry_store.h"
 #include "util/dates.h"
 #include "util/line_reader.h"
+#include "util/progress.h"
 #include "util/strings.h"
 #include "util/tokenizer.h"
 
@@ -157,6 +158,17 @@ bool ImportReport(char* const column[kColumnCount]) {
   return true;
 }
 
+// The log shows a cut file as one that ends there; stderr tells the
+// operator where and why the reading stopped.
+void ReportStop(int found, const char* case_number) {
+  std::fflush(stdout);  // keeps the notice after the log lines it follows on a terminal
+  ProgressHide();
+  std::fprintf(stderr,
+               "Note: '%s' was read up to a line with only %d of %d fields (case '%s'); the lines after it "
+               "were not read\n",
+               kInputFile, found, kColumnCount, case_number);
+}
+
 }  // namespace
 
 int FindPatientByAttribute(const char* name, const char* value) {
@@ -184,10 +196,10 @@ void ImportNecropsyReports() {
     char* column[kColumnCount];
     int found = TakeEveryField(tokenizer, column, kColumnCount, "\t");
     // Reports are exported one per line with every cell; a line that lacks
-    // one marks where the file was cut or mangled, so the import ends there.
+    // one marks where the file was cut or mangled, so the import ends there
+    // as at the end of the file.
     if (found < kColumnCount) {
-      std::printf("\tERROR - only %d of %d fields for '%s', import stopped\n", found, kColumnCount,
-                  found > kCaseNumber ? column[kCaseNumber] : "");
+      ReportStop(found, found > kCaseNumber ? column[kCaseNumber] : "");
       break;
     }
     if (ImportReport(column)) ++imported;

@@ -11,5 +11,6 @@ int FindPatientByAttribute(const char* name, const char* value);
 
 // Imports the reports: prints a progress line per report, a message per
 // report that could not be written, and "Imported %d necropsy reports\n".
-// A line with fewer than the 53 cells stops the import there (reported).
+// A line with fewer than the 53 cells stops the import there, as the end of
+// the file would (the log says nothing more; a note on stderr says why).
 void ImportNecropsyReports();

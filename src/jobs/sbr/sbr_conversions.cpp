@@ -193,7 +193,9 @@ void ParseSbrFoundAddress(char* address, PatientFinderInfo& finder) {
   }
   std::size_t first_comma = text.find(',');
   if (first_comma == std::string_view::npos) {
-    AssignTrimmedLeft(finder.found_addr, text);
+    // The whole cell is cut to the street field first and only then trimmed,
+    // so leading blanks take room from the street.
+    AssignTrimmedLeft(finder.found_addr, text.substr(0, finder.found_addr.kCapacity));
     finder.found_state = "CA";
     return;
   }

@@ -51,7 +51,9 @@ void TrimAndUnquote(char* text);
 // rest" where the rest is a zip when it starts with a digit, else "state zip"
 // or a state alone; the state stays "CA" unless the rest names one. The
 // centre's known places ("Astoria, OR", the dealership) have fixed values.
-// Each part is stored without leading white space and cut to its field.
+// Each part is stored without leading white space and cut to its field; an
+// address without a comma is cut to the street field before its leading
+// white space goes.
 // Changes `address` while splitting it.
 void ParseSbrFoundAddress(char* address, PatientFinderInfo& finder);
 

@@ -99,6 +99,8 @@ TEST(SbrConversions, FoundAddressParts) {
       {sbr_site::kDealershipAddressCell, "Coastline Motors|4420 Coastline Auto Plaza|Oxnard|CA|"},
       {"4420 Coastline Auto Plaza, Oxnard, CA 93030", "Coastline Motors|4420 Coastline Auto Plaza|Oxnard|CA|"},
       {"Somewhere along the old coast highway north of the pier", "|Somewhere along the old coast h||CA|"},
+      {"  Somewhere along the old coast highway", "|Somewhere along the old coast||CA|"},  // cut, then trimmed
+      {"  Near the pier", "|Near the pier||CA|"},
       {"A very long street name that runs on and on, Town", "|A very long street name that ru|Town|CA|"},
   };
   for (const Row& row : rows) {
