@@ -64,7 +64,8 @@ running() {
 }
 
 require_running() {
-  running || die "server not running (start it with scripts/db.sh start)"
+  running || echo "select 1" | client >/dev/null 2>&1 ||
+    die "server not running (start it with scripts/db.sh start)"
 }
 
 check_name() {
@@ -74,6 +75,12 @@ check_name() {
 cmd_start() {
   if running; then
     echo "MariaDB already running on 127.0.0.1:$port (pid $(server_pid), dir $dir)"
+    return
+  fi
+  # A server started from another checkout (another CORVANA_DB_DIR) that
+  # answers on the port with our account serves as well.
+  if echo "select 1" | client >/dev/null 2>&1; then
+    echo "MariaDB already answering on 127.0.0.1:$port (not started from $dir)"
     return
   fi
   # mariadbd lives in sbin, which an ordinary user's PATH may lack.
