@@ -127,16 +127,16 @@ void WriteMove(ZooImport& job, const LocationNames& locations, const XmlNode* re
     std::printf("\tERROR: Processing moves - invalid date '%s' for '%s'\n", moved_in, local_id);
     return;
   }
-  Text<256> enclosure{};
-  enclosure = enclosure_name;
+  // Kept whole: the name goes into the entry text and the messages, not into a field.
+  std::string enclosure = enclosure_name;
   // The lake's location row carries its full name.
   if (enclosure == "Falls Lake") {
     std::printf("\tWARNING: Modifying location: '%s'\n", enclosure.c_str());
     enclosure = "Falls Lake Reservoir";
   }
-  DropFirstApostrophe(enclosure.data());
+  DropFirstApostrophe(enclosure);
 
-  std::string text = std::string("Move To: ") + enclosure.c_str();
+  std::string text = "Move To: " + enclosure;
   const char* reason = XmlChildText(record, "TransferReason");
   if (HasText(reason)) text.append(", Reason: ").append(reason);
   WrapLongLines(text.data(), kLineWidth);

@@ -119,6 +119,11 @@ void DropFirstApostrophe(char* text) {
   if (char* apostrophe = std::strchr(text, '\'')) std::memmove(apostrophe, apostrophe + 1, std::strlen(apostrophe));
 }
 
+void DropFirstApostrophe(std::string& text) {
+  std::size_t apostrophe = text.find('\'');
+  if (apostrophe != std::string::npos) text.erase(apostrophe, 1);
+}
+
 void ReplaceAll(std::string& text, std::string_view pattern, std::string_view replacement) {
   if (pattern.empty()) return;
   Replace(text, pattern, replacement, [&](std::size_t start) { return start + pattern.size(); });

@@ -30,6 +30,7 @@ bool ReadDecimal(const char* text, double& value);
 
 // Removes the first apostrophe of `text`, if it has one.
 void DropFirstApostrophe(char* text);
+void DropFirstApostrophe(std::string& text);
 
 // Replaces every occurrence of `pattern`, scanning left to right; replaced
 // text is not scanned again.

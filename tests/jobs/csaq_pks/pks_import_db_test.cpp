@@ -167,7 +167,11 @@ TEST_F(PksImportTest, BadInputIsReportedAndTheJobGoesOn) {
                                    "<MeasurementTypeName>Live weight</MeasurementTypeName>"
                                    "<MeasurementValueEntered>1e400</MeasurementValueEntered>"
                                    "<UnitOfMeasurement>gram</UnitOfMeasurement>"}));
-  for (const char* empty : {"/Transactions.xml", "/Identifiers.xml", "/EnclosureMoves.xml"}) {
+  const std::string long_enclosure = "Tank'" + std::string(300, 'e');
+  WriteFile(dir + "/EnclosureMoves.xml",
+            table("EnclosureMoves", {"<Local_ID>B1</Local_ID><EnclosureName>" + long_enclosure +
+                                     "</EnclosureName><MovedInDate>2012-02-04</MovedInDate>"}));
+  for (const char* empty : {"/Transactions.xml", "/Identifiers.xml"}) {
     WriteFile(dir + empty, "<dataroot/>");
   }
   std::string log = RunJob(dir, "patient");
@@ -176,6 +180,7 @@ TEST_F(PksImportTest, BadInputIsReportedAndTheJobGoesOn) {
            "\tERROR - very long notes comment (100043) for 'B1' on '2012-02-02 12:00:00'\n",
            "\tERROR: Processing notes - cannot find '" + long_id + "'\n",
            std::string("\tERROR - measurement value '1e400' is no number for GAN=7\n"),
+           "\tERROR: Can't find name for enclosure 'Tank" + std::string(300, 'e') + "'\n",
            std::string("\tERROR: Processing census counts - Male 'x' is no number for 'B1'\n"),
            std::string("Processed 2 census reccords\n")};
   for (const std::string& line : expected_lines) {
@@ -183,6 +188,9 @@ TEST_F(PksImportTest, BadInputIsReportedAndTheJobGoesOn) {
   }
   // Five group members at most from counts that only add up to less than six.
   EXPECT_EQ(Value("select count(*) from patient where notes like '%G9%'"), "5");
+  // An enclosure name has no width of its own: the move's entry holds it whole.
+  EXPECT_EQ(Value("select notes from record_entry where notes like 'Move To: %'"),
+            "Move To: Tank" + std::string(300, 'e'));
   EXPECT_EQ(Value("select notes from record_entry where notes like 'Entry type: Diet%'"),
             "Entry type: Diet\n---------------------\nO'Neil said \"no\" \\ ok");
 }

@@ -48,6 +48,9 @@ TEST(PksTextTest, DropFirstApostrophe) {
     std::string buffer = text;
     DropFirstApostrophe(buffer.data());
     EXPECT_STREQ(buffer.c_str(), result);
+    std::string whole = text;
+    DropFirstApostrophe(whole);
+    EXPECT_EQ(whole, result);
   }
 }
 
