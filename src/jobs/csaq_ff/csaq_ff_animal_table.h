@@ -23,6 +23,8 @@ struct AnimalEntry {
   Text<256> notes;        // the record's notes without the name part
 };
 
+// Tags compare ignoring letter case and as an entry keeps them: a tag longer
+// than `identity_tag` holds is matched by its first 47 characters.
 class CollectionAnimalTable {
  public:
   // Appends a copy of `entry`; returns the stored one (valid until the next Add).
