@@ -15,29 +15,33 @@ std::string TagKey(std::string_view tag) {
 }  // namespace
 
 AnimalEntry& CollectionAnimalTable::Add(const AnimalEntry& entry) {
-  by_tag_[TagKey(entry.identity_tag.view())].push_back(entries_.size());
+  by_tag_[TagKey(entry.identity_tag.view())].positions.push_back(entries_.size());
   entries_.push_back(entry);
   return entries_.back();
 }
 
 AnimalEntry* CollectionAnimalTable::FirstWithTag(std::string_view tag) {
   auto found = by_tag_.find(TagKey(tag));
-  return found != by_tag_.end() ? &entries_[found->second.front()] : nullptr;
+  return found != by_tag_.end() ? &entries_[found->second.positions.front()] : nullptr;
 }
 
 AnimalEntry* CollectionAnimalTable::FirstAvailable(std::string_view tag) {
   auto found = by_tag_.find(TagKey(tag));
   if (found == by_tag_.end()) return nullptr;
-  for (std::size_t index : found->second) {
-    if (entries_[index].patient.status == "PR") return &entries_[index];
+  Tagged& tagged = found->second;
+  // Entries before the cursor have left "PR" for good: each is passed once.
+  while (tagged.first_available < tagged.positions.size() &&
+         entries_[tagged.positions[tagged.first_available]].patient.status != "PR") {
+    ++tagged.first_available;
   }
-  return nullptr;
+  if (tagged.first_available == tagged.positions.size()) return nullptr;
+  return &entries_[tagged.positions[tagged.first_available]];
 }
 
 std::span<AnimalEntry> CollectionAnimalTable::FirstRun(std::string_view tag) {
   auto found = by_tag_.find(TagKey(tag));
   if (found == by_tag_.end()) return {};
-  const std::vector<std::size_t>& positions = found->second;
+  const std::vector<std::size_t>& positions = found->second.positions;
   std::size_t first = positions.front();
   std::size_t length = 1;
   while (length < positions.size() && positions[length] == first + length) ++length;
@@ -47,8 +51,10 @@ std::span<AnimalEntry> CollectionAnimalTable::FirstRun(std::string_view tag) {
 void CollectionAnimalTable::TruncateTo(std::size_t size) {
   for (std::size_t index = size; index < entries_.size(); ++index) {
     auto found = by_tag_.find(TagKey(entries_[index].identity_tag.view()));
-    found->second.pop_back();
-    if (found->second.empty()) by_tag_.erase(found);
+    Tagged& tagged = found->second;
+    tagged.positions.pop_back();
+    if (tagged.first_available > tagged.positions.size()) tagged.first_available = tagged.positions.size();
+    if (tagged.positions.empty()) by_tag_.erase(found);
   }
   if (size < entries_.size()) entries_.resize(size);
 }

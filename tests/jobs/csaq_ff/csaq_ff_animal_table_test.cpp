@@ -55,6 +55,17 @@ TEST(CsaqFfAnimalTableTest, TruncateForgetsTheDroppedEntries) {
   table.Add(Animal("jellies", "j3"));
   EXPECT_EQ(Ids(table.FirstRun("Jellies")), (std::vector<std::string>{"j1"}));  // not adjacent
   EXPECT_EQ(table[2].patient.patient_id, "j3");
+
+  // Entries ended and then dropped leave the search able to find those added after them.
+  table.Add(Animal("Eel RS001", "e2"));
+  table.Add(Animal("Eel RS001", "e3"));
+  table.FirstAvailable("Eel RS001")->patient.status = "D";
+  table.FirstAvailable("Eel RS001")->patient.status = "D";
+  EXPECT_EQ(table.FirstAvailable("Eel RS001"), nullptr);
+  table.TruncateTo(4);
+  table.Add(Animal("Eel RS001", "e4"));
+  EXPECT_EQ(table.FirstAvailable("eel rs001")->patient.patient_id, "e4");
+  EXPECT_EQ(table.FirstWithTag("Eel RS001")->patient.patient_id, "e2");
 }
 
 // An entry keeps 47 characters of its tag; the husbandry rows name it in full.
