@@ -3,30 +3,45 @@
 #include "jobs/csaq_ff/csaq_ff_export.h"
 #include "util/strings.h"
 
+namespace {
+
+// The index key of a tag: cut to what an entry keeps of it, so that a tag
+// longer than the field still finds the entries made for it, and in lower
+// case.
+std::string TagKey(std::string_view tag) {
+  return LowerAscii(tag.substr(0, decltype(AnimalEntry::identity_tag)::kCapacity));
+}
+
+}  // namespace
+
 AnimalEntry& CollectionAnimalTable::Add(const AnimalEntry& entry) {
-  by_tag_[LowerAscii(entry.identity_tag.view())].push_back(entries_.size());
+  by_tag_[TagKey(entry.identity_tag.view())].positions.push_back(entries_.size());
   entries_.push_back(entry);
   return entries_.back();
 }
 
 AnimalEntry* CollectionAnimalTable::FirstWithTag(std::string_view tag) {
-  auto found = by_tag_.find(LowerAscii(tag));
-  return found != by_tag_.end() ? &entries_[found->second.front()] : nullptr;
+  auto found = by_tag_.find(TagKey(tag));
+  return found != by_tag_.end() ? &entries_[found->second.positions.front()] : nullptr;
 }
 
 AnimalEntry* CollectionAnimalTable::FirstAvailable(std::string_view tag) {
-  auto found = by_tag_.find(LowerAscii(tag));
+  auto found = by_tag_.find(TagKey(tag));
   if (found == by_tag_.end()) return nullptr;
-  for (std::size_t index : found->second) {
-    if (entries_[index].patient.status == "PR") return &entries_[index];
+  Tagged& tagged = found->second;
+  // Entries before the cursor have left "PR" for good: each is passed once.
+  while (tagged.first_available < tagged.positions.size() &&
+         entries_[tagged.positions[tagged.first_available]].patient.status != "PR") {
+    ++tagged.first_available;
   }
-  return nullptr;
+  if (tagged.first_available == tagged.positions.size()) return nullptr;
+  return &entries_[tagged.positions[tagged.first_available]];
 }
 
 std::span<AnimalEntry> CollectionAnimalTable::FirstRun(std::string_view tag) {
-  auto found = by_tag_.find(LowerAscii(tag));
+  auto found = by_tag_.find(TagKey(tag));
   if (found == by_tag_.end()) return {};
-  const std::vector<std::size_t>& positions = found->second;
+  const std::vector<std::size_t>& positions = found->second.positions;
   std::size_t first = positions.front();
   std::size_t length = 1;
   while (length < positions.size() && positions[length] == first + length) ++length;
@@ -35,9 +50,11 @@ std::span<AnimalEntry> CollectionAnimalTable::FirstRun(std::string_view tag) {
 
 void CollectionAnimalTable::TruncateTo(std::size_t size) {
   for (std::size_t index = size; index < entries_.size(); ++index) {
-    auto found = by_tag_.find(LowerAscii(entries_[index].identity_tag.view()));
-    found->second.pop_back();
-    if (found->second.empty()) by_tag_.erase(found);
+    auto found = by_tag_.find(TagKey(entries_[index].identity_tag.view()));
+    Tagged& tagged = found->second;
+    tagged.positions.pop_back();
+    if (tagged.first_available > tagged.positions.size()) tagged.first_available = tagged.positions.size();
+    if (tagged.positions.empty()) by_tag_.erase(found);
   }
   if (size < entries_.size()) entries_.resize(size);
 }

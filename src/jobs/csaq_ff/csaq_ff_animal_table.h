@@ -23,6 +23,8 @@ struct AnimalEntry {
   Text<256> notes;        // the record's notes without the name part
 };
 
+// Tags compare ignoring letter case and as an entry keeps them: a tag longer
+// than `identity_tag` holds is matched by its first 47 characters.
 class CollectionAnimalTable {
  public:
   // Appends a copy of `entry`; returns the stored one (valid until the next Add).
@@ -35,7 +37,10 @@ class CollectionAnimalTable {
   // The first entry with `tag` (ignoring letter case), or null.
   AnimalEntry* FirstWithTag(std::string_view tag);
 
-  // The first entry with `tag` whose status is still "PR", or null.
+  // The first entry with `tag` whose status is still "PR", or null. An entry
+  // whose status has left "PR" must never return to it: the search goes on
+  // from where the last one stopped, so that the dispositions of a tag cost
+  // time in proportion to its entries, not to their square.
   AnimalEntry* FirstAvailable(std::string_view tag);
 
   // The first unbroken run of entries with `tag`: from its first entry to
@@ -48,8 +53,14 @@ class CollectionAnimalTable {
   void TruncateTo(std::size_t size);
 
  private:
+  // The entries of one tag.
+  struct Tagged {
+    std::vector<std::size_t> positions;  // in entries_, rising
+    std::size_t first_available = 0;     // index into positions: none before it is still "PR"
+  };
+
   std::vector<AnimalEntry> entries_;
-  std::unordered_map<std::string, std::vector<std::size_t>> by_tag_;  // lower-case tag -> positions, rising
+  std::unordered_map<std::string, Tagged> by_tag_;  // key: the tag cut and in lower case
 };
 
 // Case numbers "%d-%05.5d" counted within each admission year.

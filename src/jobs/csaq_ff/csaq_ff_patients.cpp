@@ -253,7 +253,8 @@ class CollectionImport {
         return false;
       }
       std::string date = DateBeforeT(date_text);
-      if (unknown + males + females != 1) continue;
+      // Summed wide: counts near the int limits must not wrap into a total of 1.
+      if (static_cast<long long>(unknown) + males + females != 1) continue;
       if (!created) {
         AddAnimal(record, label, unknown > 0 ? "UNK" : males > 0 ? "M" : "F");
         std::printf("\tSetting FIRST location to '%s'\n", label);

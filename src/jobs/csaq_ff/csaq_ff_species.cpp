@@ -86,11 +86,11 @@ bool RuleFits(const GroupRule& rule, const SpeciesRecord& species, const std::st
          (rule.abbrev == nullptr || species.abbrev == rule.abbrev);
 }
 
-// The distinct names of one taxonomic rank; the first spelling met stays.
+// The distinct names of one taxonomic rank; the first spelling met stays. A
+// rank a row leaves out counts as the empty name, like any other.
 class TaxonomySet {
  public:
   void Add(const char* name) {
-    if (name == nullptr || name[0] == '\0') return;
     if (!seen_.insert(LowerAscii(name)).second) return;
     names_.Append(std::make_unique<std::string>(name));
   }

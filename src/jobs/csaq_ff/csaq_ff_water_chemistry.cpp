@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "jobs/csaq_ff/csaq_ff_export.h"
@@ -78,12 +79,15 @@ void ReadTestDate(const XmlNode* row, const char* id, const char* label, WaterQu
   }
 }
 
-// Location ids by label, asked of the server once per tank.
+// Location ids by label, asked of the server once per tank. The habitat
+// import stored each label as a location name holds it, so a longer label is
+// looked up by that much of it.
 class LocationIds {
  public:
   int Find(const char* label) {
-    auto [entry, added] = ids_.try_emplace(label, 0);
-    if (added) entry->second = GetLocationId(label);
+    std::string name(std::string_view(label).substr(0, decltype(LocationRecord::name)::kCapacity));
+    auto [entry, added] = ids_.try_emplace(name, 0);
+    if (added) entry->second = GetLocationId(name.c_str());
     return entry->second;
   }
 

@@ -171,4 +171,64 @@ TEST_F(CsaqFfImportTest, LongTextsAreStoredWhole) {
             std::to_string(31 + 35 + 255));
 }
 
+// Names longer than the fields that keep them still lead to their rows: a
+// habitat label cut to a location name, an identity tag cut to an animal's.
+// Census counts near the int limits are added up without wrapping.
+TEST_F(CsaqFfImportTest, LongNamesAndHugeCounts) {
+  const std::string dir = MakeTempDir();
+  WriteIni(dir);
+  Exec("insert into species(abbrev,common_name,species_group) values ('LOGGER','Loggerhead','reptile:turtle')");
+  const std::string label = "Outer Banks shipwreck gallery, lower deck";  // 41 characters
+  const std::string tag = "Juvenile loggerhead from the 2015 cold-stun event RS001";  // 55
+  const std::string count = "<Number_x0020_of_x0020_specimens_x0020_in_x0020_group>1"
+                            "</Number_x0020_of_x0020_specimens_x0020_in_x0020_group>";
+  auto husbandry = [&](const std::string& row_tag, const std::string& type, const std::string& fields) {
+    return "<H><Identity_x0020__x0020_Tag>" + row_tag + "</Identity_x0020__x0020_Tag><Data_x0020_Type>" + type +
+           "</Data_x0020_Type>" + count + fields + "</H>";
+  };
+  WriteFile(dir + "/Habitats.xml", "<dataroot><H><ID>1</ID><Habitat_x0020_Label>" + label +
+                                       "</Habitat_x0020_Label></H><H><ID>2</ID><Habitat_x0020_Label>Herp Room"
+                                       "</Habitat_x0020_Label></H></dataroot>");
+  WriteFile(dir + "/WaterChem.xml", "<dataroot><W><Habitat>1</Habitat><Date>2015-03-02T00:00:00</Date>"
+                                    "<Temperature>24.5</Temperature></W></dataroot>");
+  WriteFile(dir + "/SpeciesAbbreviations.xml", "<L><S commonName=\"Loggerhead\" abbrev=\"LOGGER\"/></L>");
+  WriteFile(dir + "/HabitatCensus.xml", "<dataroot/>");
+  WriteFile(dir + "/Groups.xml",
+            "<dataroot><G><Identity_x0020__x0020_Tag>" + tag + "</Identity_x0020__x0020_Tag><Common_x0020_Name>"
+            "Loggerhead</Common_x0020_Name><Date>2015-01-05T00:00:00</Date></G><G><Identity_x0020__x0020_Tag>"
+            "HUGE RS001</Identity_x0020__x0020_Tag><Common_x0020_Name>Loggerhead</Common_x0020_Name><Date>"
+            "2015-01-05T00:00:00</Date></G></dataroot>");
+  WriteFile(dir + "/Husbandry.xml",
+            "<dataroot>" +
+                husbandry(tag, "Census", "<Date>2015-01-05T00:00:00</Date><Male>1</Male><Location>2</Location>") +
+                husbandry(tag, "Census", "<Date>2015-02-01T00:00:00</Date><Male>1</Male><Location>1</Location>") +
+                husbandry(tag, "Vital Stats", "<Date>2015-03-01T00:00:00</Date><Weight>2 kg</Weight>") +
+                husbandry(tag, "Medical", "<Date>2015-04-01T00:00:00</Date><Medical_x0020_Report>Eating well"
+                                          "</Medical_x0020_Report>") +
+                husbandry(tag, "Disposition", "<Date>2015-06-01T00:00:00</Date><Type_x0020_of_x0020_disposition>"
+                                              "Released</Type_x0020_of_x0020_disposition>") +
+                husbandry("HUGE RS001", "Census", "<Date>2015-01-05T00:00:00</Date><Unknown>2147483647</Unknown>"
+                                                  "<Male>2147483647</Male><Female>3</Female>") +
+                "</dataroot>");
+  for (const char* type : {"habitats", "water_chemistry"}) RunJob(dir, type);
+  EXPECT_EQ(RunJob(dir, "patient"),
+            "CSAQ_FF - patient - 2016\n"
+            "Loading PATIENT data from './Groups.xml'.\n"
+            "Loading HUSBANDRY data from './Husbandry.xml'.\n"
+            "Loading HABITAT data from './Habitats.xml'.\n"
+            "Loading current census data from './HabitatCensus.xml'.\n"
+            "Loading SPECIES abbreviation data from './SpeciesAbbreviations.xml'.\n" +
+                tag + "\n\tSINGLE\n\tSetting FIRST location to 'Herp Room'\n\tSetting NEW location to '" + label +
+                "'\nHUGE RS001\n\tSINGLE\n"
+                "Parsed 2 group records\nInserted 1 PATIENT records\nInserted 0 TRANSFER records\n"
+                "Inserted 1 RELEASE records\n");
+  EXPECT_EQ(Rows("select l.name,w.temp from water_quality w join location l on l.id=w.location_id"),
+            (std::vector<std::string>{label.substr(0, 31) + "|24.5"}));
+  EXPECT_EQ(Rows("select patient_id,status,final_date from patient"),
+            (std::vector<std::string>{"2015-00001|R|2015-06-01"}));
+  EXPECT_EQ(Rows("select b.weight,r.special from biometric b join record_entry r on r.id=b.record_entry_id"),
+            (std::vector<std::string>{"2000|0"}));
+  EXPECT_EQ(Value("select count(*) from record_entry where special='1' and notes like '%Eating well'"), "1");
+}
+
 }  // namespace
