@@ -5,11 +5,11 @@ the program's summary on stderr, and the tables it prints.
     bench_tool.py capture GENERAL_LOG DATABASE SENT STREAM
         Writes the statements of the connection that selected DATABASE, in
         order and from its first statement on (the session setup and the
-        SELECTs included), as the stream bench/replay.c reads. The server
-        logs no statement it could not parse, so the job's SENT count may
-        exceed what the log holds: the stream then ends with as many
-        unparsable statements, so that the replay makes as many round trips
-        and gets as many errors. Prints "STATEMENTS PADDED".
+        SELECTs included), as the stream bench/replay.c reads. Prints the
+        number of statements written; fails when the job's statements in the
+        log are not the SENT the program counted (statements the program
+        refused before sending are counted failed, not sent, and are not in
+        the log either).
     bench_tool.py summary STDERR_FILE
         Prints "ROWS STATEMENTS FAILED" from the program's "== Summary of"
         block (rows: all rows inserted, updated and deleted).
@@ -55,7 +55,6 @@ def read_entries(path):
 # The connection's own setup, sent before the job's first statement and not
 # counted among the job's statements.
 SESSION_SETUP = (b"SET SESSION sql_mode=", b"SELECT @@GLOBAL.sql_mode")
-UNPARSABLE = b"insert into record_entry (notes) values ('the finder''s' note')"
 
 
 def capture(log, database, sent, stream):
@@ -76,10 +75,10 @@ def capture(log, database, sent, stream):
             count += 1
             if kind == b"Q" and not argument.startswith(SESSION_SETUP):
                 job_statements += 1
-        padded = max(0, int(sent) - job_statements)
-        for _ in range(padded):
-            out.write(b"Q %d\n" % len(UNPARSABLE) + UNPARSABLE + b"\n")
-    print(count + padded, padded)
+    if job_statements != int(sent):
+        sys.exit("bench_tool: the general log holds %d of the job's statements, the program counted %s sent"
+                 % (job_statements, sent))
+    print(count)
 
 
 def summary(path):

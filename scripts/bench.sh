@@ -22,8 +22,9 @@
 # Starts the server with scripts/db.sh start (a running one is reused and left
 # running). Environment as for scripts/db.sh (CORVANA_DB_DIR, CORVANA_DB_PORT,
 # ...); CORVANA_BENCH_DIR (default build-bench) holds the build, the inputs
-# and each run's logs. Installs libbenchmark-dev and libpugixml-dev when
-# missing (the XML benchmark only; the program never links pugixml).
+# and each run's logs. Installs what it needs and lacks: python3 and time, and
+# for the XML benchmark libbenchmark-dev and libpugixml-dev (the program never
+# links pugixml).
 set -euo pipefail
 
 repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -94,11 +95,11 @@ log() { echo "bench: $*" >&2; }
 
 install_bench_packages() {
   local missing=() p
-  for p in libbenchmark-dev libpugixml-dev; do
+  for p in "$@"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
   done
   [[ ${#missing[@]} -eq 0 ]] && return
-  log "installing ${missing[*]} (the XML benchmark only)"
+  log "installing ${missing[*]}"
   local sudo=""
   [[ $(id -u) -eq 0 ]] || sudo="sudo"
   $sudo apt-get update -qq
@@ -106,7 +107,11 @@ install_bench_packages() {
 }
 
 "$repo/scripts/install-deps.sh"
-(( xml )) && install_bench_packages
+# python3 for the generators and the tables, time for /usr/bin/time; the
+# benchmark library and pugixml for the XML benchmark only.
+bench_packages=(python3 time)
+(( xml )) && bench_packages+=(libbenchmark-dev libpugixml-dev)
+install_bench_packages "${bench_packages[@]}"
 mkdir -p "$work"
 log "building in $work"
 cmake -S "$repo" -B "$work" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCORVANA_TESTS=OFF -DCORVANA_BENCH=ON \
@@ -213,7 +218,7 @@ measure() {  # JOB-LINE FACTOR: one measured run, one line to $results
     local captured sent
     sent=$(echo "$summary" | cut -d' ' -f2)
     captured=$(python3 "$tool" capture "$out.general" "${base}_a" "$sent" "$out.stream")
-    log "$name x$factor: replaying $captured (statements, padded)"
+    log "$name x$factor: replaying $captured statements"
     /usr/bin/time -f "%U	%S	%e	%M" -o "$out.replay.time" \
       "$replay" 127.0.0.1 "$port" "$user" "$password" "${base}_b" "$out.stream" 2>"$out.replay.err"
     local r_stmts r_failed
