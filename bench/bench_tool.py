@@ -16,7 +16,8 @@ the program's summary on stderr, and the tables it prints.
     bench_tool.py table RESULTS_TSV
         Prints the job table of the runs recorded in RESULTS_TSV.
     bench_tool.py growth RESULTS_TSV
-        Prints how wall time and peak memory grow between the sizes of each job.
+        Prints how wall time, own CPU time and peak memory grow from each
+        size of a job to the next.
 
 RESULTS_TSV has one line per measured run, written by scripts/bench.sh:
 job, scale, input bytes, input size in words ("20000 cases"), user s, system s, wall s, max RSS kB,
@@ -144,22 +145,28 @@ def table(path):
 
 
 def growth(path):
+    """Per job: each size's wall time, own CPU and peak memory, then the
+    factors from one size to the next. Own CPU follows the program's work even
+    when other processes share the machine; wall time also holds the server's."""
     by_job = {}
     for run in read_results(path):
         by_job.setdefault(run["job"], []).append(run)
     rows = []
+    ratio = lambda b, a: "%.2f" % (b / a) if a > 0 else "-"
     for job, runs in by_job.items():
         runs.sort(key=lambda r: r["scale"])
-        base = runs[0]
         row = [job]
         for run in runs:
-            row.append("x%g: %.1f s %s" % (run["scale"] / base["scale"], run["wall"], mb(run["rss"] * 1024)))
-        steps = ["time x%.2f mem x%.2f" % (b["wall"] / a["wall"] if a["wall"] else 0, b["rss"] / a["rss"])
-                 for a, b in zip(runs, runs[1:])]
-        rows.append(row + [", ".join(steps)])
-    width = max(len(r) for r in rows)
-    rows = [r[:-1] + [""] * (width - len(r)) + r[-1:] for r in rows]
-    header = ["job"] + ["run %d" % (i + 1) for i in range(width - 2)] + ["each doubling"]
+            row.append("%.1f s, %.1f s, %s" % (run["wall"], run["user"] + run["sys"], mb(run["rss"] * 1024)))
+        for a, b in zip(runs, runs[1:]):
+            row.append("%s %s %s" % (ratio(b["wall"], a["wall"]), ratio(b["user"] + b["sys"], a["user"] + a["sys"]),
+                                     ratio(b["rss"], a["rss"])))
+        rows.append(row)
+    sizes = max((len(by_job[r[0]]) for r in rows), default=0)
+    rows = [r + [""] * (2 * sizes - len(r)) for r in rows]
+    scales = sorted({run["scale"] for runs in by_job.values() for run in runs})
+    header = (["job"] + ["x%g: wall, CPU, peak" % s for s in scales[:sizes]] +
+              ["x%g/x%g: wall CPU peak" % (b, a) for a, b in zip(scales, scales[1:])][:sizes - 1])
     print_table(header, rows)
 
 

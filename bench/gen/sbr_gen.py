@@ -9,7 +9,10 @@ cases), all drawn from samples/sbr with their bad lines at the sample's rate,
 and the sample's species.txt, which the cases name their species from. Case
 numbers of the form XX-YY-NNN get a fresh five-digit number; a necropsy
 report names a case made from the sample case it named, so the reports find
-their patients as in the sample. The necropsy file ends, as the sample does,
+their patients as in the sample. Bands and colour markers stay those of the
+sample on the first copy of each sample case only and are fresh on later
+copies (as every bird has its own), so a sighting that names a sample band or
+marker finds one bird, as it does in the sample. The necropsy file ends, as the sample does,
 with the short line that stops its import and the line after it. The same
 arguments always give the same bytes.
 """
@@ -22,6 +25,21 @@ import sample_rows
 
 CASE = re.compile(r"^([A-Z]{2})-([0-9O]{2})-(\d+)$")
 NECROPSY_COLUMNS = 53
+BAND_COLUMN, MARKER_COLUMN = 69, 71
+BAND = re.compile(r"^\d{4}-\d{5}$")
+MARKER = re.compile(r"^[A-Z0-9]{3}$")
+# Letters the sample's markers do not start with, so fresh markers never
+# name a sample bird.
+FRESH_MARKER_LETTERS = "RSTUVWXY"
+
+
+def fresh_band_and_marker(fields, n):
+    if len(fields) > BAND_COLUMN and BAND.match(fields[BAND_COLUMN]):
+        fields[BAND_COLUMN] = "9%03d-%05d" % (n // 100000 % 1000, n % 100000)
+    if len(fields) > MARKER_COLUMN and MARKER.match(fields[MARKER_COLUMN]):
+        letter = FRESH_MARKER_LETTERS[n % len(FRESH_MARKER_LETTERS)]
+        rest = n // len(FRESH_MARKER_LETTERS)
+        fields[MARKER_COLUMN] = "%s%d%s" % (letter, rest % 10, chr(ord("A") + rest // 10 % 26))
 
 
 def main():
@@ -29,7 +47,13 @@ def main():
     rng = random.Random(args.seed)
     sample = lambda *parts: sample_rows.sample_path("sbr", *parts)
 
+    copied = set()
+
     def rekey(fields, n):
+        template = (fields[2] if len(fields) > 2 else "", fields[0])
+        if template in copied:
+            fresh_band_and_marker(fields, n)
+        copied.add(template)
         m = CASE.match(fields[0])
         if m:
             fields[0] = "%s-%s-%05d" % (m.group(1), m.group(2), n)
