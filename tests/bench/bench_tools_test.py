@@ -111,16 +111,16 @@ class GeneratorTest(unittest.TestCase):
     """Each generator: the same arguments give the same bytes, lines end in
     CR LF, and the records are the sample's with fresh keys."""
 
-    CASES = [  # script, count option, a file it writes, key column (or None), sample file
-        ("kwrc_gen.py", "--cases", "KWRC_2012.txt", 0, "kwrc/KWRC_2012.txt"),
-        ("glfh_gen.py", "--lines", "GLFH_Patients.txt", 4, "glfh/GLFH_Patients.txt"),
-        ("uprc_gen.py", "--lines", "UPRC 2012.txt", 0, "uprc/UPRC 2012.txt"),
-        ("dswc_gen.py", "--admissions", "2011Admissions.txt", 0, "dswc/2011Admissions.txt"),
-        ("sbr_gen.py", "--lines", "SBR_LA.txt", 0, "sbr/SBR_LA.txt"),
+    CASES = [  # script, count option, a file it writes, key column, other fresh columns, sample file
+        ("kwrc_gen.py", "--cases", "KWRC_2012.txt", 0, (), "kwrc/KWRC_2012.txt"),
+        ("glfh_gen.py", "--lines", "GLFH_Patients.txt", 4, (), "glfh/GLFH_Patients.txt"),
+        ("uprc_gen.py", "--lines", "UPRC 2012.txt", 0, (), "uprc/UPRC 2012.txt"),
+        ("dswc_gen.py", "--admissions", "2011Admissions.txt", 0, (), "dswc/2011Admissions.txt"),
+        ("sbr_gen.py", "--lines", "SBR_LA.txt", 0, (69, 71), "sbr/SBR_LA.txt"),  # band, colour marker
     ]
 
     def test_tab_files(self):
-        for script, option, name, key, sample in self.CASES:
+        for script, option, name, key, fresh_columns, sample in self.CASES:
             with self.subTest(script=script), tempfile.TemporaryDirectory() as a, \
                     tempfile.TemporaryDirectory() as b:
                 generate(script, a, option, "300")
@@ -135,8 +135,9 @@ class GeneratorTest(unittest.TestCase):
                 self.assertEqual(lines[:headers], sample_lines[:headers])
                 body = lines[headers:-1]
                 self.assertEqual(len(body), 300)
-                # Without the key column every line is a line of the sample.
-                strip = lambda line: tuple(c for i, c in enumerate(line.split(b"\t")) if i != key)
+                # Without the fresh columns every line is a line of the sample.
+                strip = lambda line: tuple(c for i, c in enumerate(line.split(b"\t"))
+                                           if i != key and i not in fresh_columns)
                 known = {strip(line) for line in sample_lines[headers:]}
                 self.assertTrue(all(strip(line) in known for line in body))
                 # Keys the sample does not hold are fresh: most, and none twice.
