@@ -9,8 +9,10 @@
 # general log on, and takes rows written and statements sent from the
 # program's summary on stderr. The floor: the captured statement stream is
 # replayed by bench/replay.c on a second database holding the same
-# prerequisite rows (a dump of the first), and the table gives the job's wall
-# time over the replay's. Then the XML reader's benchmark against pugixml.
+# prerequisite rows (a dump of the first), also with the general log on, and
+# the table gives the job's wall time over the replay's. Before each timed run
+# the server is left to write back its dirty pages. Then the XML reader's
+# benchmark against pugixml.
 #
 #   --scale F      every input F times its default size (0.05: a smoke run)
 #   --growth       each job at 1x, 2x and 4x its input (times F), time and
@@ -129,7 +131,14 @@ sql() { "$db" sql "$@"; }
 # server's own setting comes back afterwards, also when the script is stopped.
 saved_log_file=$(echo "select @@global.general_log_file" | sql mysql -N)
 restore_log() { echo "set global general_log=0; set global general_log_file='$saved_log_file'" | sql mysql || true; }
-trap restore_log EXIT
+# Databases of the run in progress, dropped however the script ends.
+run_databases=()
+drop_run_databases() {
+  local name
+  for name in "${run_databases[@]}"; do sql mysql <<<"drop database if exists \`$name\`" || true; done
+  run_databases=()
+}
+trap 'restore_log; drop_run_databases' EXIT
 
 # ---------------------------------------------------------------------------
 # Inputs
@@ -157,6 +166,23 @@ input_dir() {
 
 # ---------------------------------------------------------------------------
 # One measured run
+
+# Waits (30 s at most) until the server has stopped writing for a second, so
+# that a timed run does not share it with the writes left by what came before
+# (a database just loaded or dropped, the previous run).
+settle() {
+  local i writes last=""
+  for ((i = 0; i < 30; i++)); do
+    writes=$(echo "select variable_value from information_schema.global_status
+        where variable_name='INNODB_DATA_WRITES'" | sql mysql -N)
+    [[ $writes == "$last" ]] && return
+    last=$writes
+    sleep 1
+  done
+}
+
+# Turns the general log on, into FILE.
+general_log_to() { echo "set global general_log_file='$1'; set global general_log=1" | sql mysql; }
 
 run_job() {  # DIR ORG TYPE YEAR [REGION]: runs the program in DIR, output to files named by the run
   local dir=$1 out=$2; shift 2
@@ -191,6 +217,7 @@ measure() {  # JOB-LINE FACTOR: one measured run, one line to $results
   # Short: the program's ini reader keeps database names of 31 characters.
   run_number=$((run_number + 1))
   local base="bench$$_$run_number"
+  run_databases=("${base}_a" "${base}_b")
   local out="$runs/${slug}x$factor"
   log "$name x$factor: preparing"
   prepare "${base}_a" "$dir" "$steps"
@@ -200,8 +227,11 @@ measure() {  # JOB-LINE FACTOR: one measured run, one line to $results
     "$db" create "${base}_b" "$runs/replay-ini" >/dev/null
     sql "${base}_b" <"$out.dump"
     rm -f "$out.dump"
+  fi
+  settle
+  if (( floor )); then
     rm -f "$out.general"
-    echo "set global general_log_file='$out.general'; set global general_log=1" | sql mysql
+    general_log_to "$out.general"
   fi
   # The job runs on the first database: DIR's ini file names it (the second
   # one's ini file went elsewhere).
@@ -219,16 +249,21 @@ measure() {  # JOB-LINE FACTOR: one measured run, one line to $results
     sent=$(echo "$summary" | cut -d' ' -f2)
     captured=$(python3 "$tool" capture "$out.general" "${base}_a" "$sent" "$out.stream")
     log "$name x$factor: replaying $captured statements"
+    # The replay runs with the general log on too, as the job did, so that
+    # both pay the server's logging.
+    settle
+    general_log_to "$out.replay.general"
     /usr/bin/time -f "%U	%S	%e	%M" -o "$out.replay.time" \
       "$replay" 127.0.0.1 "$port" "$user" "$password" "${base}_b" "$out.stream" 2>"$out.replay.err"
+    restore_log
+    rm -f "$out.replay.general"
     local r_stmts r_failed
     r_stmts=$(sed -n 's/^Replayed \([0-9]*\) statements, \([0-9]*\) failed.*/\1/p' "$out.replay.err")
     r_failed=$(sed -n 's/^Replayed \([0-9]*\) statements, \([0-9]*\) failed.*/\2/p' "$out.replay.err")
     replay_fields="$r_stmts	$r_failed	$(cut -f1-3 "$out.replay.time" | tail -1)"
     rm -f "$out.general" "$out.stream"
-    sql mysql <<<"drop database if exists \`${base}_b\`"
   fi
-  sql mysql <<<"drop database if exists \`${base}_a\`"
+  drop_run_databases
   local t
   t=$(tail -1 "$out.time")
   printf '%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\n' "$name" "$factor" "$bytes" "$words" \
