@@ -285,8 +285,10 @@ echo "== Server: $(echo "select concat(version(), '; sql_mode=', @@global.sql_mo
 echo "== Date: $(date -u '+%Y-%m-%d %H:%M UTC'); scale x$scale$( (( growth )) && echo ', growth 1x 2x 4x')$( (( floor )) || echo ', no replay')"
 
 run_number=0
-factors=("$scale")
-(( growth )) && factors=("$scale" "$(python3 -c "print($scale*2)")" "$(python3 -c "print($scale*4)")")
+# One spelling per factor (1, not 1.0), so each size is generated once.
+factor() { python3 -c "import sys; print('%g' % (float(sys.argv[1]) * int(sys.argv[2])))" "$scale" "$1"; }
+factors=("$(factor 1)")
+(( growth )) && factors=("$(factor 1)" "$(factor 2)" "$(factor 4)")
 for line in "${jobs[@]}"; do
   [[ -n $only && ! ${line%%|*} =~ $only ]] && continue
   for factor in "${factors[@]}"; do measure "$line" "$factor"; done
