@@ -97,6 +97,34 @@ class SummaryTest(unittest.TestCase):
         self.assertEqual(result.stdout.split(), [b"85", b"148", b"1"])
 
 
+class TablesTest(unittest.TestCase):
+    # job, scale, bytes, size, user, sys, wall, max RSS kB, rows, sent, failed,
+    # replay: statements, failed, user, sys, wall
+    RUNS = ["KWRC patient\t1\t3682937\t20000 cases\t1.0\t4.0\t25.0\t8000\t96199\t100000\t869"
+            "\t100003\t0\t0.5\t3.5\t20.0",
+            "KWRC patient\t2\t7365874\t40000 cases\t2.0\t8.5\t52.0\t8100\t192398\t200000\t1738"
+            "\t-\t-\t-\t-\t-"]
+
+    def run_on_results(self, command):
+        with tempfile.NamedTemporaryFile("w") as f:
+            f.write("\n".join(self.RUNS) + "\n")
+            f.flush()
+            result = run_tool(command, f.name)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        return result.stdout.decode().splitlines()
+
+    def test_job_table_ratios(self):
+        first = re.split(r"\s{2,}", self.run_on_results("table")[2])
+        # wall 25 s over replay 20 s; own CPU 5 s is 20%; 1 s more CPU than the
+        # replay over 100,000 statements is 10 us each and a CPU ratio of 21/20.
+        self.assertEqual(first, ["KWRC patient", "x1", "20000 cases", "3.7 MB", "96199", "100000 (869 failed)",
+                                 "25.0", "4000", "20.0%", "8.2 MB", "20.0", "20.0%", "1.250", "+10.0", "1.050"])
+
+    def test_growth_factors(self):
+        row = re.split(r"\s{2,}", self.run_on_results("growth")[2])
+        self.assertEqual(row, ["KWRC patient", "25.0 s, 5.0 s, 8.2 MB", "52.0 s, 10.5 s, 8.3 MB", "2.08 2.10 1.01"])
+
+
 def generate(script, out, *args):
     subprocess.run([sys.executable, os.path.join(GEN, script), "--seed", "7", "--out", out] + list(args),
                    check=True, capture_output=True)
