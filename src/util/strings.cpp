@@ -58,6 +58,14 @@ bool WrapLongLines(char* text, int width) {
 
 bool EqualsNoCase(const char* a, const char* b) { return strcasecmp(a, b) == 0; }
 
+std::string LowerAscii(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return lower;
+}
+
 int ToInt(const char* text) {
   long long value = std::strtoll(text, nullptr, 10);
   if (value > INT_MAX) return INT_MAX;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "util/text.h"
@@ -38,6 +39,10 @@ bool IsBlank(std::string_view line);
 
 // True when `a` and `b` are equal ignoring ASCII letter case.
 bool EqualsNoCase(const char* a, const char* b);
+
+// `text` with ASCII letters in lower case and every other byte unchanged: the
+// key of a hashed look-up that finds what EqualsNoCase would.
+std::string LowerAscii(std::string_view text);
 
 // The standard atoi/atol reading (leading white space, optional sign, digits up
 // to the first other character, 0 when there are none), without atoi's

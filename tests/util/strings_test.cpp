@@ -64,6 +64,19 @@ TEST(StringsTest, WrapLongLines) {
   EXPECT_FALSE(WrapLongLines(no_blank.data(), 80));
 }
 
+// Hashed look-ups key on LowerAscii where a search compared with
+// EqualsNoCase: both must find the same names.
+TEST(StringsTest, LowerAsciiKeysMatchWhereEqualsNoCaseDoes) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"Great Horned Owl", "great horned OWL"}, {"Harris's Hawk", "HARRIS'S HAWK"}, {"", ""},
+      {"Caf\xe9", "CAF\xe9"}, {"Caf\xe9", "Caf\xc9"}, {"Owl", "Owl "}, {"A-7B", "a-7b"}, {"[Z]", "[z]"},
+  };
+  for (const auto& [a, b] : cases) {
+    EXPECT_EQ(LowerAscii(a) == LowerAscii(b), EqualsNoCase(a, b)) << "'" << a << "' and '" << b << "'";
+  }
+  EXPECT_EQ(LowerAscii("Caf\xc9 ZOO@["), "caf\xc9 zoo@[");  // latin1 bytes and neighbours of A-Z pass
+}
+
 TEST(StringsTest, ToIntReadsLikeAtoiWithoutOverflow) {
   const std::pair<const char*, int> cases[] = {
       {" 2011x", 2011}, {"-5", -5}, {"abc", 0}, {"99999999999999999999", INT_MAX}, {"-99999999999999999999", INT_MIN}};

@@ -49,14 +49,6 @@ std::string ReplaceFirstApos(std::string_view text) {
   return result;
 }
 
-std::string LowerAscii(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
-}
-
 AbbreviationIndex::AbbreviationIndex(const XmlDocument& abbreviations) {
   for (const XmlNode* entry = XmlFirstChild(DocumentElement(abbreviations)); entry != nullptr;
        entry = XmlNextSibling(entry)) {

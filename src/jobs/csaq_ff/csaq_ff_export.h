@@ -12,6 +12,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "util/strings.h"
 #include "xml/xml_document.h"
 
 inline constexpr const char* kFfHabitatsFile = "./Habitats.xml";
@@ -53,10 +54,6 @@ std::string DateBeforeT(const char* text);
 // `text` with its first "&apos;" turned into "'" (the export's spelling of
 // names such as Kemp's ridley).
 std::string ReplaceFirstApos(std::string_view text);
-
-// `text` with ASCII letters in lower case: the key of a look-up that ignores
-// letter case.
-std::string LowerAscii(std::string_view text);
 
 // Common name -> abbreviation, from the children of the abbreviations
 // document element (attributes "commonName" and "abbrev"). Names compare

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <unordered_map>
 
 #include "jobs/dswc/dswc_disposition.h"
 #include "jobs/dswc/dswc_species.h"
@@ -25,6 +26,10 @@ constexpr int kDonationYear = 2014;
 
 // Kept for the whole run, as the species labels are looked up line by line.
 XmlDocument g_species_list;
+// The species elements of g_species_list by lower-cased label, the first of
+// each label only (the one a search from the top finds): one look-up per
+// admission however long the list.
+std::unordered_map<std::string, const XmlNode*> g_species_by_label;
 
 // The columns of an admission line by meaning; a file without the donation
 // column simply has no kDonation field.
@@ -234,25 +239,46 @@ bool ImportAdmission(AdmissionLine& line, const Text<16>& patient_id) {
 
 }  // namespace
 
+namespace {
+
+void CopySpecies(const XmlNode* element, PatientRecord& patient) {
+  patient.species = XmlAttributeValue(element, "abbrev");
+  patient.species_group = XmlAttributeValue(element, "speciesGroup");
+  if (const char* age = XmlAttributeValue(element, "age")) {
+    patient.age = age;
+    patient.ageIn = age;
+  }
+}
+
+void IndexSpeciesLabels() {
+  g_species_by_label.clear();
+  for (const XmlNode* element = FirstDswcSpecies(g_species_list); element != nullptr;
+       element = XmlNextSibling(element)) {
+    const char* label = XmlAttributeValue(element, "label");
+    if (label != nullptr) g_species_by_label.try_emplace(LowerAscii(label), element);
+  }
+}
+
+}  // namespace
+
 int LookupDswcSpecies(const XmlDocument& species_list, const char* label, PatientRecord& patient) {
   if (label == nullptr) return 1;
   for (const XmlNode* element = FirstDswcSpecies(species_list); element != nullptr;
        element = XmlNextSibling(element)) {
     const char* element_label = XmlAttributeValue(element, "label");
     if (element_label == nullptr || !EqualsNoCase(element_label, label)) continue;
-    patient.species = XmlAttributeValue(element, "abbrev");
-    patient.species_group = XmlAttributeValue(element, "speciesGroup");
-    if (const char* age = XmlAttributeValue(element, "age")) {
-      patient.age = age;
-      patient.ageIn = age;
-    }
+    CopySpecies(element, patient);
     return 0;
   }
   return 1;
 }
 
 int LookupDswcSpecies(const char* label, PatientRecord& patient) {
-  return LookupDswcSpecies(g_species_list, label, patient);
+  if (label == nullptr) return 1;
+  auto found = g_species_by_label.find(LowerAscii(label));
+  if (found == g_species_by_label.end()) return 1;
+  CopySpecies(found->second, patient);
+  return 0;
 }
 
 int ImportDswcAdmissions(int year) {
@@ -268,6 +294,7 @@ int ImportDswcAdmissions(int year) {
     std::printf("Unable to parse species file '%s'\n", kDswcSpeciesFile);
     return 1;
   }
+  IndexSpeciesLabels();
 
   const bool with_donation = year == kDonationYear;
   int imported = 0;

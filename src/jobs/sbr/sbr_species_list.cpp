@@ -49,14 +49,6 @@ constexpr Correction kCorrections[] = {
     {"Black vented shearwater", "Black-vented shearwater"},
 };
 
-std::string LowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
-}
-
 }  // namespace
 
 SbrSpeciesList::SbrSpeciesList() { XmlCreateRoot(document_); }
@@ -70,13 +62,13 @@ bool SbrSpeciesList::Add(const char* abbrev, const char* common_name, const char
       XmlAppendChild(XmlRoot(document_), node) != 0) {
     return false;
   }
-  first_by_name_.try_emplace(LowerCase(common_name), node);  // an earlier namesake keeps the name
+  first_by_name_.try_emplace(LowerAscii(common_name), node);  // an earlier namesake keeps the name
   ++size_;
   return true;
 }
 
 const XmlNode* SbrSpeciesList::Find(std::string_view common_name) const {
-  auto found = first_by_name_.find(LowerCase(common_name));
+  auto found = first_by_name_.find(LowerAscii(common_name));
   return found == first_by_name_.end() ? nullptr : found->second;
 }
 
