@@ -52,7 +52,7 @@ bool ScratchServer::Script(const std::string& command) {
                      " CORVANA_DB_SQL_MODE=" + Quote(sql_mode_) + " CORVANA_DB_SERVER_ARGS=" + Quote(server_args_) +
                      " " + Quote(CORVANA_SOURCE_DIR "/scripts/db.sh") +
                      " " + command + " 2>&1";
-  log_.clear();
+  log_ += "$ db.sh " + command + "\n";
   std::FILE* pipe = popen(line.c_str(), "r");
   if (pipe == nullptr) return false;
   char buffer[1024];
@@ -68,7 +68,9 @@ bool ScratchServer::Start() {
   for (int attempt = 0; attempt < 3; ++attempt) {
     if (port_ != 0 && Script("start")) {
       if (AnswersOverTcp()) return true;
-      log_ += "\nthe server did not answer on 127.0.0.1:" + std::to_string(port_);
+      log_ += "the server did not answer on 127.0.0.1:" + std::to_string(port_) + ": " + last_error_ + "\n";
+      std::string server_log = ReadFile(dir_ + "/mariadb.err");
+      log_ += server_log.substr(server_log.size() > 2000 ? server_log.size() - 2000 : 0);
       Stop();
     }
     port_ = FreePort();
@@ -76,15 +78,18 @@ bool ScratchServer::Start() {
   return false;
 }
 
-bool ScratchServer::AnswersOverTcp() const {
+bool ScratchServer::AnswersOverTcp() {
   TestServer address = server();
-  for (int attempt = 0; attempt < 20; ++attempt) {
+  // A loaded machine (two sanitizer test runs side by side) can take seconds
+  // between the socket file appearing and the TCP port accepting logins.
+  for (int attempt = 0; attempt < 100; ++attempt) {
     MYSQL* connection = mysql_init(nullptr);
     my_bool use_tls = 1;  // a server that requires TLS must answer too
     mysql_options(connection, MYSQL_OPT_SSL_ENFORCE, &use_tls);
     bool answered = mysql_real_connect(connection, address.host.c_str(), address.user.c_str(),
                                        address.password.c_str(), nullptr, static_cast<unsigned>(address.port),
                                        nullptr, 0) != nullptr;
+    if (!answered) last_error_ = mysql_error(connection);
     mysql_close(connection);
     if (answered) return true;
     usleep(100000);

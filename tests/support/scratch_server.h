@@ -38,13 +38,14 @@ class ScratchServer {
 
  private:
   bool Script(const std::string& command);
-  bool AnswersOverTcp() const;
+  bool AnswersOverTcp();
 
   std::string dir_;
   int port_;
   std::string sql_mode_;
   std::string server_args_;
-  std::string log_;  // output of the last script run
+  std::string log_;  // what the scripts printed, and why a start failed
+  std::string last_error_;  // of the last connection attempt
 };
 
 // The global sql_mode a stock MariaDB or MySQL server starts with, and the
