@@ -163,11 +163,6 @@ void BadFilesTest::RunDamaged(const SampleJob& job, const std::string& file, Dam
     bool said = log.find("Unable") != std::string::npos || log.find("ERROR") != std::string::npos;
     EXPECT_TRUE(said) << "nothing says the file could not be read:\n" << log << run.errors;
   }
-  if (std::getenv("CORVANA_SHOW_BAD_FILES") != nullptr) {
-    std::printf("==== %s: %s, %s (exit %d)\n%s---- stderr\n%s", job.name, file.c_str(), Name(damage), run.exit_code,
-                run.output.substr(run.output.find(job_line) == std::string::npos ? 0 : run.output.find(job_line)).substr(0, 1500).c_str(),
-                run.errors.substr(0, 600).c_str());
-  }
 }
 
 TEST_P(BadFilesTest, EndsCleanlyOnEveryBrokenFile) {
