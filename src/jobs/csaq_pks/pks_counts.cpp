@@ -12,7 +12,6 @@
 #include "store/disposition_store.h"
 #include "store/patient_store.h"
 #include "util/line_reader.h"
-#include "util/progress.h"
 #include "util/strings.h"
 #include "util/tokenizer.h"
 
@@ -247,13 +246,7 @@ bool WriteCensusCounts(ZooImport& job) {
     std::printf("Unable to parse census count file '%s'\n", kCensusFile);
     return false;
   }
-  int visited = 0;
-  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
-  for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
-    progress.Step();
-    WriteCensusCount(job, record);
-    ++visited;
-  }
+  int visited = VisitRecords(job, [&](const XmlNode* record) { WriteCensusCount(job, record); });
   std::printf("Processed %d census reccords\n", visited);
   return true;
 }

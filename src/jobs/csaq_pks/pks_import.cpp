@@ -9,7 +9,6 @@
 
 #include "jobs/csaq_pks/pks_job.h"
 #include "store/connection.h"
-#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -215,13 +214,7 @@ bool LoadAnimals(ZooImport& job) {
     std::printf("\tERROR: Unable to parse animal file '%s'\n", kAnimalsFile);
     return false;
   }
-  int visited = 0;
-  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
-  for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
-    progress.Step();
-    ImportAnimal(job, record, group_file.get());
-    ++visited;
-  }
+  int visited = VisitRecords(job, [&](const XmlNode* record) { ImportAnimal(job, record, group_file.get()); });
   std::printf("Processed %d animals\n", visited);
   // Only the animal pass reads first counts; the census counts pass reads
   // the file again.

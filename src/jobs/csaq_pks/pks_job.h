@@ -11,6 +11,7 @@
 #include "jobs/csaq_pks/pks_census.h"
 #include "jobs/csaq_pks/pks_species.h"
 #include "store/record_entry_store.h"
+#include "util/progress.h"
 #include "xml/xml_document.h"
 
 // The export's files, as the job's messages name them.
@@ -49,6 +50,20 @@ inline long long RecordCount(const XmlDocument& document) { return XmlChildCount
 // The first record of an exported table: the records are the children of
 // the first element under the root.
 const XmlNode* FirstRecord(const XmlDocument& document);
+
+// Hands every record of the file the pass loaded into `job.work` to `visit`,
+// with the pass's progress line; returns how many records it visited.
+template <typename Visit>
+int VisitRecords(ZooImport& job, Visit visit) {
+  int visited = 0;
+  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
+  for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
+    progress.Step();
+    visit(record);
+    ++visited;
+  }
+  return visited;
+}
 
 // A text for a "%s" of a message: what the export holds, or "(null)" for a
 // field that is missing.

@@ -13,7 +13,6 @@
 #include "store/connection.h"
 #include "store/measurement_store.h"
 #include "store/patient_store.h"
-#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -168,13 +167,7 @@ bool WriteMeasurements(ZooImport& job) {
     std::printf("Unable to parse measurements file '%s'\n", kMeasurementsFile);
     return false;
   }
-  int visited = 0;
-  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
-  for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
-    progress.Step();
-    WriteMeasurement(job, record);
-    ++visited;
-  }
+  int visited = VisitRecords(job, [&](const XmlNode* record) { WriteMeasurement(job, record); });
   std::printf("Processed %d measurements\n", visited);
   return true;
 }
@@ -192,13 +185,7 @@ bool WriteMoves(ZooImport& job) {
     std::printf("\tERROR: Out of memory\n");
     return false;
   }
-  int visited = 0;
-  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
-  for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
-    progress.Step();
-    WriteMove(job, locations, record);
-    ++visited;
-  }
+  int visited = VisitRecords(job, [&](const XmlNode* record) { WriteMove(job, locations, record); });
   std::printf("Processed %d moves\n", visited);
   return true;
 }

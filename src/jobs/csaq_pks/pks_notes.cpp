@@ -10,7 +10,6 @@
 #include "jobs/csaq_pks/pks_text.h"
 #include "store/connection.h"
 #include "store/disposition_store.h"
-#include "util/progress.h"
 #include "util/strings.h"
 
 namespace {
@@ -310,13 +309,7 @@ bool ReadNotes(ZooImport& job, const char* title, Visit visit) {
     std::printf("Unable to parse notes file '%s'\n", kNotesFile);
     return false;
   }
-  int visited = 0;
-  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
-  for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
-    progress.Step();
-    visit(job, record);
-    ++visited;
-  }
+  int visited = VisitRecords(job, [&](const XmlNode* record) { visit(job, record); });
   std::printf("Processed %d notes\n", visited);
   return true;
 }

@@ -7,7 +7,6 @@
 
 #include "jobs/csaq_pks/pks_job.h"
 #include "jobs/csaq_pks/pks_text.h"
-#include "util/progress.h"
 
 namespace {
 
@@ -217,13 +216,7 @@ bool ApplyTransactions(ZooImport& job) {
     std::printf("Unable to parse transactions file '%s'\n", kTransactionsFile);
     return false;
   }
-  int visited = 0;
-  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
-  for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
-    progress.Step();
-    ApplyTransaction(job, record);
-    ++visited;
-  }
+  int visited = VisitRecords(job, [&](const XmlNode* record) { ApplyTransaction(job, record); });
   std::printf("Processed %d transactions\n", visited);
   return true;
 }
@@ -240,13 +233,7 @@ bool ApplyIdentifiers(ZooImport& job) {
     std::printf("Unable to parse identifiers file '%s'\n", kIdentifiersFile);
     return false;
   }
-  int visited = 0;
-  ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
-  for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
-    progress.Step();
-    ApplyIdentifier(job, record);
-    ++visited;
-  }
+  int visited = VisitRecords(job, [&](const XmlNode* record) { ApplyIdentifier(job, record); });
   std::printf("Processed %d identifiers\n", visited);
   return true;
 }
