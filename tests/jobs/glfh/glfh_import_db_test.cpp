@@ -42,14 +42,7 @@ TEST_F(GlfhImportTest, SampleRegister) {
             {"record_entry", "patient_id,replace(notes,char(10),'<LF>'),who,weight,keel,location,amountFed,special"}}),
       "jobs/glfh/expected/glfh_patients.rows");
 
-  EXPECT_EQ(Rows("select status,species_group,found_name,presenter_name,found_country,presenter_country "
-                 "from patient where patient_id='00007'"),
-            std::vector<std::string>{"COA|avian:raptor|Mubarak Al-Ruwaidi|Mubarak Al-Ruwaidi|Qatar|Qatar"});
-  EXPECT_EQ(Value("select count(*) from patient where microchip='985100000422001'"), "0");  // patient number 0
-  // An owner with an apostrophe: the patient stays without its owner and note.
-  EXPECT_EQ(Rows("select p.found_name, count(r.id) from patient p left join record_entry r on r.patient_id=p.id "
-                 "where p.patient_id='00106' group by p.id"),
-            std::vector<std::string>{"|0"});
+  // The import notes were written now (their dates are left out of the rows above).
   EXPECT_EQ(Value("select count(*) from record_entry where date < now() - interval 1 day"), "0");
 }
 
