@@ -74,6 +74,7 @@ TEST(SbrConversions, FoundAddressParts) {
       {"Crown Beach, Alameda, OR", "|Crown Beach|Alameda|OR|"},
       {"Crown Beach, Alameda, NV  89501, USA", "|Crown Beach|Alameda|NV|89501, USA"},
       {"", "|||CA|"},
+      {"Astoria, OR", "||Astoria|OR|"},  // that sample bird's finder is not written
       {"Astoria, OR 97103", "|Astoria|OR 97103|CA|"},  // only the exact text is the known place
       {"Somewhere along the old coast highway north of the pier", "|Somewhere along the old coast h||CA|"},
       {"  Somewhere along the old coast highway", "|Somewhere along the old coast||CA|"},  // cut, then trimmed

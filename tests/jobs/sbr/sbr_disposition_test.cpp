@@ -40,6 +40,7 @@ TEST(SbrDisposition, PhrasesStatusesAndPlaces) {
       {"Not Viable (egg)", "DOA"},  // also sets the age
       {"", "", "", kFinal, 1},
       {nullptr, "", "", kFinal, 1},
+      {"Released", "R", "", " ", 2},  // the log's empty cell
       {"Released", "R", "", nullptr, 2},
       {"Released", "R", "", "2/30/2019", 2},
       {"Transferred to PHS", "T", "Continued care", "n/a", 2},
@@ -70,6 +71,7 @@ TEST(SbrDisposition, PhrasesStatusesAndPlaces) {
     EXPECT_EQ(patient.ageIn, egg ? "Egg" : "AHY");
   }
   EXPECT_EQ(printed,
+            "ERROR: Missing final date for 'LA-16-001'\n"
             "ERROR: Missing final date for 'LA-16-001'\n"
             "ERROR: Invalid final date: '2/30/2019' for 'LA-16-001'\n"
             "ERROR: Invalid final date: 'n/a' for 'LA-16-001'\n");
