@@ -33,7 +33,7 @@ TEST(CsaqFfCollectionTest, Position) {
 
 TEST(CsaqFfCollectionTest, CountyAndPlainText) {
   const std::pair<const char*, const char*> counties[] = {
-      {"Pender County County", "Pender County"},  // the samples pin the plain ones
+      {"Onslow county NC", "Onslow county"}, {"Pender County County", "Pender County"},  // the samples pin the rest
       {"Brunswick county, Carteret County", "Brunswick county, Carteret County"},  // " County" is looked for first
       {"", ""},
   };
