@@ -96,30 +96,6 @@ TEST_F(SbrImportTest, LosAngelesPatientsAfterSpecies) { ExpectCentre("LA", "la")
 
 TEST_F(SbrImportTest, SanFranciscoPatientsAfterSpecies) { ExpectCentre("SF", "sf"); }
 
-// Both centres' runs over one file give each line the same number: a line
-// of the other centre is passed over but keeps its place in the year.
-TEST_F(SbrImportTest, RegionsShareTheNumbering) {
-  std::string dir = SampleDir();
-  WriteFile(dir + "/SBR_LA.txt", ReadFile(dir + "/SBR_SF.txt"));
-  RunJob(dir, "SBR_LA", "species");
-  const std::string numbered =
-      "select p.patient_id,a.value from patient p join attributes a on a.patient_id=p.id order by p.id";
-
-  RunJob(dir, "SBR_LA", "patient", "LA");
-  EXPECT_EQ(Rows(numbered), (std::vector<std::string>{"2016-0003|LA-16-003", "2016-0025|SF-16-025"}));
-
-  Exec("delete from patient; delete from attributes; delete from problems; delete from record_entry; "
-       "delete from pcv; delete from transfers; delete from releases; delete from biometric");
-  RunJob(dir, "SBR_SF", "patient", "SF");
-  std::vector<std::string> sf = Rows(numbered);
-  ASSERT_EQ(sf.size(), 26u);
-  EXPECT_EQ(sf[0], "2016-0001|SF-16-001");
-  EXPECT_EQ(sf[2], "2016-0004|SF-16-004");  // LA-16-003 kept 2016-0003
-  EXPECT_EQ(sf[23], "2016-0025|SF-16-025");  // the Santa Cruz bird: both centres' runs take it
-  EXPECT_EQ(sf[24], "2009-0001|SF-O9-026");
-  EXPECT_EQ(sf[25], "2016-0026|SF-16-027");
-}
-
 TEST_F(SbrImportTest, BandSightingsAfterPatients) {
   std::string dir = SampleDir();
   const std::string before = LaPatients(dir);
