@@ -68,24 +68,6 @@ TEST(CsaqFfAnimalTableTest, TruncateForgetsTheDroppedEntries) {
   EXPECT_EQ(table.FirstWithTag("Eel RS001")->patient.patient_id, "e2");
 }
 
-// An entry keeps 47 characters of its tag; the husbandry rows name it in full.
-TEST(CsaqFfAnimalTableTest, LongTagsFindTheirEntries) {
-  const std::string tag = "Juvenile loggerhead from the 2015 cold-stun event RS001";
-  const std::string other = tag.substr(0, 47) + " (second)";
-  CollectionAnimalTable table;
-  table.Add(Animal(tag.c_str(), "t1"));
-  table.Add(Animal(tag.c_str(), "t2"));
-  table.Add(Animal("Rays", "r1"));
-  EXPECT_EQ(table[0].identity_tag.size(), 47u);
-  EXPECT_EQ(table.FirstWithTag(tag)->patient.patient_id, "t1");
-  EXPECT_EQ(table.FirstAvailable(tag)->patient.patient_id, "t1");
-  EXPECT_EQ(Ids(table.FirstRun(tag)), (std::vector<std::string>{"t1", "t2"}));
-  EXPECT_EQ(table.FirstWithTag(other)->patient.patient_id, "t1");  // the same 47 characters
-  EXPECT_EQ(table.FirstWithTag(tag.substr(0, 46)), nullptr);
-  table.TruncateTo(1);
-  EXPECT_EQ(Ids(table.FirstRun(tag)), (std::vector<std::string>{"t1"}));
-}
-
 TEST(CsaqFfAnimalTableTest, CaseNumbersCountWithinTheYear) {
   PatientNumberCounters counters;
   std::vector<std::string> ids;
