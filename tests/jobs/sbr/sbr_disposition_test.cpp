@@ -26,6 +26,7 @@ TEST(SbrDisposition, PhrasesStatusesAndPlaces) {
       {" ", "Reh", "", "", 0, "x", "NA"},  // a blank disposition: still in care, no final date read
       {"IN CARE", "Reh", "", nullptr},
       {"Resident Training Duck", "PR", "", " "},
+      {"died", "D"},  // the final date is not compared with the admission: no upgrade to "D24" on the same day
       {"dead on arrival", "DOA"},
       {"DIED WITHIN 24 HRS.", "D24"},
       {"Died within 24 hrs", "", "", kFinal, 1},  // the full stop is part of the phrase
