@@ -68,6 +68,7 @@ TEST(CsaqFfAnimalTableTest, TruncateForgetsTheDroppedEntries) {
   EXPECT_EQ(table.FirstWithTag("Eel RS001")->patient.patient_id, "e2");
 }
 
+// The sample run pins that a failed record gives its numbers back.
 TEST(CsaqFfAnimalTableTest, CaseNumbersCountWithinTheYear) {
   PatientNumberCounters counters;
   std::vector<std::string> ids;
@@ -78,12 +79,6 @@ TEST(CsaqFfAnimalTableTest, CaseNumbersCountWithinTheYear) {
   }
   EXPECT_EQ(ids, (std::vector<std::string>{"2011-00001", "2011-00002", "2012-00001", "2011-00003", "0-00001",
                                            "1915-00001"}));
-  PatientNumberCounters saved = counters;
-  Text<16> id{};
-  counters.Next("2012-06-06", id);
-  counters = saved;  // a failed record gives its numbers back
-  counters.Next("2012-06-06", id);
-  EXPECT_EQ(id, "2012-00002");
 }
 
 }  // namespace

