@@ -68,24 +68,7 @@ TEST(CsaqFfAnimalTableTest, TruncateForgetsTheDroppedEntries) {
   EXPECT_EQ(table.FirstWithTag("Eel RS001")->patient.patient_id, "e2");
 }
 
-// An entry keeps 47 characters of its tag; the husbandry rows name it in full.
-TEST(CsaqFfAnimalTableTest, LongTagsFindTheirEntries) {
-  const std::string tag = "Juvenile loggerhead from the 2015 cold-stun event RS001";
-  const std::string other = tag.substr(0, 47) + " (second)";
-  CollectionAnimalTable table;
-  table.Add(Animal(tag.c_str(), "t1"));
-  table.Add(Animal(tag.c_str(), "t2"));
-  table.Add(Animal("Rays", "r1"));
-  EXPECT_EQ(table[0].identity_tag.size(), 47u);
-  EXPECT_EQ(table.FirstWithTag(tag)->patient.patient_id, "t1");
-  EXPECT_EQ(table.FirstAvailable(tag)->patient.patient_id, "t1");
-  EXPECT_EQ(Ids(table.FirstRun(tag)), (std::vector<std::string>{"t1", "t2"}));
-  EXPECT_EQ(table.FirstWithTag(other)->patient.patient_id, "t1");  // the same 47 characters
-  EXPECT_EQ(table.FirstWithTag(tag.substr(0, 46)), nullptr);
-  table.TruncateTo(1);
-  EXPECT_EQ(Ids(table.FirstRun(tag)), (std::vector<std::string>{"t1"}));
-}
-
+// The sample run pins that a failed record gives its numbers back.
 TEST(CsaqFfAnimalTableTest, CaseNumbersCountWithinTheYear) {
   PatientNumberCounters counters;
   std::vector<std::string> ids;
@@ -96,12 +79,6 @@ TEST(CsaqFfAnimalTableTest, CaseNumbersCountWithinTheYear) {
   }
   EXPECT_EQ(ids, (std::vector<std::string>{"2011-00001", "2011-00002", "2012-00001", "2011-00003", "0-00001",
                                            "1915-00001"}));
-  PatientNumberCounters saved = counters;
-  Text<16> id{};
-  counters.Next("2012-06-06", id);
-  counters = saved;  // a failed record gives its numbers back
-  counters.Next("2012-06-06", id);
-  EXPECT_EQ(id, "2012-00002");
 }
 
 }  // namespace

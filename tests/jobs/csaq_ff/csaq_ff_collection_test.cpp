@@ -13,7 +13,6 @@ TEST(CsaqFfCollectionTest, Position) {
     float lat, lon;
   };
   const Case cases[] = {
-      {"34 41.5 N 76 40.2 W", true, 34.691667f, -76.67f},
       {"34.5 76.1", true, 34.5f, -76.1f},
       {"34.5, -76.1", true, 34.5f, -76.1f},  // the sign is lost with the other non-digits
       {"34\xb0 43' 12\" N, 77\xb0 25' 48\" W", true, 34.72f, -77.43f},
@@ -33,8 +32,7 @@ TEST(CsaqFfCollectionTest, Position) {
 
 TEST(CsaqFfCollectionTest, CountyAndPlainText) {
   const std::pair<const char*, const char*> counties[] = {
-      {"Carteret County, NC", "Carteret County"}, {"Onslow county NC", "Onslow county"},
-      {"Dare", "Dare"},                           {"Pender County County", "Pender County"},
+      {"Onslow county NC", "Onslow county"}, {"Pender County County", "Pender County"},  // the samples pin the rest
       {"Brunswick county, Carteret County", "Brunswick county, Carteret County"},  // " County" is looked for first
       {"", ""},
   };
@@ -54,10 +52,8 @@ TEST(CsaqFfCollectionTest, NameFromNotes) {
     const char* name;
     const char* rest;
   };
-  const Case cases[] = {
-      {"&quot;Shelly&quot;; Resident loggerhead", true, "Shelly", " Resident loggerhead"},
+  const Case cases[] = {  // the samples pin names at the start, alone, and a second quote after one
       {"Seen as &quot;Big Mama&quot;; largest &quot;one&quot;;", true, "Big Mama", " largest &quot;one&quot;;"},
-      {"&quot;Banjo&quot;;", true, "Banjo", ""},
       {"&quot;;&quot;;x", true, ";", "x"},  // the closing marker is looked for after the opening one
       {"&quot;Big Mama&quot; is the largest", false, "", "&quot;Big Mama&quot; is the largest"},
       {"No name here", false, "", "No name here"},
@@ -73,10 +69,9 @@ TEST(CsaqFfCollectionTest, NameFromNotes) {
 
 TEST(CsaqFfCollectionTest, DispositionWords) {
   const std::pair<const char*, const char*> cases[] = {
-      {"Died", "D"},          {"DIED", "D"},           {"euthanized", "E"},       {"MIA", "MIA"},
-      {"Mia/Euth", "MIA"},    {"eaten/mia", "MIA"},    {"died/MIA", "MIA"},       {"escaped", "ESC"},
-      {"Released", "R"},      {"Transferred", "T"},    {"transfer out", "T"},     {"trransfered", "T"},
-      {"TRANSFERRED", nullptr}, {"Died suddenly", nullptr}, {"On loan", nullptr}, {"", nullptr},
+      {"DIED", "D"},  // the samples pin the plain words
+      {"MIA", "MIA"},         {"eaten/mia", "MIA"},    {"died/MIA", "MIA"},       {"transfer out", "T"},
+      {"trransfered", "T"},   {"TRANSFERRED", nullptr}, {"Died suddenly", nullptr}, {"", nullptr},
       {"Released, then Transferred", "T"},
   };
   for (const auto& [word, status] : cases) {
@@ -88,13 +83,10 @@ TEST(CsaqFfCollectionTest, DispositionWords) {
 // The phrases are tried in their order, not by where they stand in the notes.
 TEST(CsaqFfCollectionTest, TransferDestination) {
   const std::pair<const char*, const char*> cases[] = {
-      {"Transferred to Alligator Adventure in May", "Alligator Adventure in May"},
-      {"Transfered to the state", "the state"},
-      {"transferred back to NC Aquarium", "NC Aquarium"},
+      {"Transfered to the state", "the state"},  // the samples pin the common phrases
       {"Sent to Fort Fisher, later moved to Roanoke Island", "Fort Fisher, later moved to Roanoke Island"},
       {"Traded to Pine Knoll Shores; Sent to Duke", "Duke"},
       {"Returned to owner", "owner"},
-      {"Transfer arranged by the state", ""},
       {"", ""},
   };
   for (const auto& [notes, destination] : cases) EXPECT_EQ(TransferDestination(notes), destination) << notes;

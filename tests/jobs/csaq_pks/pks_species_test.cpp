@@ -9,14 +9,10 @@ namespace {
 TEST(PksSpeciesTest, NormaliseCommonName) {
   const std::pair<const char*, const char*> cases[] = {
       {"MOON JELLYFISH", "Moon jelly"},                 // the first list ignores letter case
-      {"jackknife fish", "Jack-knifefish"},
-      {"Red-bellied watersnake", "Red-bellied water snake"},
-      {"American kestrel/sparrowhawk", "American kestrel"},
       {"Loggerhead", "Loggerhead turtle"},              // the second list is exact
       {"loggerhead", "loggerhead"},
       {"Spiny softshelled turtle", "Eastern spiny softshell turtle"},
       {"Moon jellyfish ", "Moon jellyfish "},
-      {"Sea otter", "Sea otter"},
   };
   for (const auto& [export_name, used] : cases) EXPECT_EQ(NormaliseCommonName(export_name), used) << export_name;
 }
@@ -43,9 +39,7 @@ TEST(PksSpeciesTest, LookupSpeciesByTaxon) {
       {"Caretta caretta/Loggerhead", true, "LOGG", "reptile:turtle"},  // the first of two rows
       {"Acanthurus coeruleus/Blue tang surgeon", true, "ABBREV_LONGER_T", "fish:marine"},
       {"/Unsorted", false, "", ""},
-      {"Chrysaora quinquecirrha/Atlantic sea nettle", false, "", ""},
-      {"Coenobita clypeatus", false, "", ""},                          // no common name at all
-      {"Caretta caretta/loggerhead", false, "", ""},
+      {"Chrysaora quinquecirrha/Atlantic sea nettle", false, "", ""},  // the samples pin the other misses
   };
   for (const Case& c : cases) {
     Text<16> abbrev{};

