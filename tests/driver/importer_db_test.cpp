@@ -21,8 +21,6 @@ class ImporterTest : public DatabaseTest {
     dir_ = MakeTempDir();
     WriteIni(dir_);
   }
-  std::string Connected() const { return "\n\nCorvanaDataImporter version 1.0 connected successfully to '" +
-                                         server_.host + ":" + database_ + "'\n"; }
   std::string dir_;
 };
 

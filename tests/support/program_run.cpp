@@ -17,24 +17,15 @@
 
 namespace {
 
-std::string Quote(const std::string& word) {
-  std::string quoted = "'";
-  for (char c : word) {
-    if (c == '\'') quoted += "'\\''";
-    else quoted += c;
-  }
-  return quoted + "'";
-}
-
 // RunProgram with `prefix` (a command that runs the program) in front.
 ProgramRun RunProgramWith(const std::string& prefix, const std::string& dir, const std::vector<std::string>& args) {
   std::string errors_file = MakeTempDir() + "/stderr";
   if (!prefix.empty()) chmod(std::filesystem::path(errors_file).parent_path().c_str(), 0777);
   // A hang is a failure like a crash: the run is stopped after two minutes
   // (exit code 124), and killed if it ignores that.
-  std::string command = "cd " + Quote(dir) + " && timeout -k 5 120 " + prefix + Quote(CORVANA_BINARY);
-  for (const std::string& arg : args) command += " " + Quote(arg);
-  command += " 2>" + Quote(errors_file);
+  std::string command = "cd " + ShellQuote(dir) + " && timeout -k 5 120 " + prefix + ShellQuote(CORVANA_BINARY);
+  for (const std::string& arg : args) command += " " + ShellQuote(arg);
+  command += " 2>" + ShellQuote(errors_file);
   ProgramRun run{-1, "", "", ""};
   std::FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) return run;

@@ -30,12 +30,6 @@ int FreePort() {
   return port;
 }
 
-std::string Quote(const std::string& word) {
-  std::string quoted = "'";
-  for (char c : word) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
-
 }  // namespace
 
 ScratchServer::ScratchServer(std::string sql_mode, std::string server_args)
@@ -48,9 +42,9 @@ ScratchServer::~ScratchServer() {
 }
 
 bool ScratchServer::Script(const std::string& command) {
-  std::string line = "CORVANA_DB_DIR=" + Quote(dir_) + " CORVANA_DB_PORT=" + std::to_string(port_) +
-                     " CORVANA_DB_SQL_MODE=" + Quote(sql_mode_) + " CORVANA_DB_SERVER_ARGS=" + Quote(server_args_) +
-                     " " + Quote(CORVANA_SOURCE_DIR "/scripts/db.sh") +
+  std::string line = "CORVANA_DB_DIR=" + ShellQuote(dir_) + " CORVANA_DB_PORT=" + std::to_string(port_) +
+                     " CORVANA_DB_SQL_MODE=" + ShellQuote(sql_mode_) + " CORVANA_DB_SERVER_ARGS=" + ShellQuote(server_args_) +
+                     " " + ShellQuote(CORVANA_SOURCE_DIR "/scripts/db.sh") +
                      " " + command + " 2>&1";
   log_ += "$ db.sh " + command + "\n";
   std::FILE* pipe = popen(line.c_str(), "r");

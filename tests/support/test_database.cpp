@@ -157,3 +157,9 @@ std::string MakeTempDir() {
   char* made = mkdtemp(pattern.data());
   return made != nullptr ? std::string(made) : std::string();
 }
+
+std::string ShellQuote(const std::string& word) {
+  std::string quoted = "'";
+  for (char c : word) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
+}

@@ -49,6 +49,11 @@ class DatabaseTest : public ::testing::Test {
   // Writes a CorvanaDataImporter.ini for this database into `dir`.
   void WriteIni(const std::string& dir);
 
+  // The banner a run on this database prints before the job's title.
+  std::string Connected() const {
+    return "\n\nCorvanaDataImporter version 1.0 connected successfully to '" + server_.host + ":" + database_ + "'\n";
+  }
+
   TestServer server_;
   std::string database_;
   MYSQL* inspector_ = nullptr;
@@ -60,3 +65,6 @@ void WriteFile(const std::string& path, const std::string& content);
 
 // A fresh empty directory under the system's temporary directory.
 std::string MakeTempDir();
+
+// `word` as one word of a shell command.
+std::string ShellQuote(const std::string& word);

@@ -19,8 +19,7 @@ class GlfhImportTest : public DatabaseTest {
     ProgramRun run = RunProgram(dir, {"-org", "GLFH", "-type", "patient", "-year", "2012"});
     EXPECT_EQ(run.exit_code, 0);
     EXPECT_EQ(run.errors, errors);
-    std::string connected =
-        "\n\nCorvanaDataImporter version 1.0 connected successfully to '" + server_.host + ":" + database_ + "'\n";
+    const std::string connected = Connected();
     EXPECT_EQ(run.output.substr(0, connected.size()), connected);
     return run.output.substr(std::min(connected.size(), run.output.size()));
   }
@@ -75,7 +74,7 @@ TEST_F(GlfhImportTest, ProgressOnATerminalOnly) {
   ASSERT_NE(summary, std::string::npos) << watched.errors;
   EXPECT_LT(progress, summary);
   EXPECT_EQ(watched.errors.substr(summary - 4, 4), "\r\x1b[K");  // cleared before the summary
-  std::string connected = "connected successfully to '" + server_.host + ":" + database_ + "'\n";
+  const std::string connected = Connected();
   ASSERT_NE(watched.output.find(connected), std::string::npos);
   EXPECT_EQ(watched.output.substr(watched.output.find(connected) + connected.size()),
             ReadFile(CORVANA_SOURCE_DIR "/tests/jobs/glfh/expected/glfh_patients.log"));

@@ -33,8 +33,7 @@ std::string KwrcImportTest::RunSampleYear(const SavedAs* encoding) {
   ProgramRun run = RunProgram(dir, {"-org", "KWRC", "-type", "patient", "-year", "2012"});
   EXPECT_EQ(run.exit_code, 0);
   summary_ = run.summary;
-  std::string connected =
-      "\n\nCorvanaDataImporter version 1.0 connected successfully to '" + server_.host + ":" + database_ + "'\n";
+  const std::string connected = Connected();
   EXPECT_EQ(run.output.substr(0, connected.size()), connected);
   ExpectMatchesFile(run.output.substr(connected.size()), "jobs/kwrc/expected/kwrc_2012.log");
   ExpectMatchesFile(

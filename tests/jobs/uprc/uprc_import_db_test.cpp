@@ -18,8 +18,7 @@ class UprcImportTest : public DatabaseTest {
     WriteIni(dir);
     ProgramRun run = RunProgram(dir, {"-org", "UPRC", "-type", "patient", "-year", year});
     EXPECT_EQ(run.exit_code, 0);
-    std::string connected =
-        "\n\nCorvanaDataImporter version 1.0 connected successfully to '" + server_.host + ":" + database_ + "'\n";
+    const std::string connected = Connected();
     EXPECT_EQ(run.output.substr(0, connected.size()), connected);
     return run.output.substr(std::min(connected.size(), run.output.size()));
   }
