@@ -64,6 +64,32 @@ int32_t NewInteractionLevel(int32_t old_level) {
   return 0;
 }
 
+// The stored lengths of the texts a row rewrites, in bytes (0 for null).
+struct StoredLengths {
+  std::size_t what;
+  std::size_t interactionTime;
+  std::size_t comments;
+};
+
+// Reports `id` when a text it rewrites was not read whole (it holds a NUL
+// byte, or its column is wider than the record's field), so that writing it
+// back would cut it; false when all of them were read whole.
+bool ReportNotReadWhole(int id, const EnrichmentRecord& old, const StoredLengths& stored) {
+  const struct {
+    std::size_t read;
+    std::size_t stored;
+    const char* column_words;
+  } texts[] = {{old.what.size(), stored.what, "what"},
+               {old.interactionTime.size(), stored.interactionTime, "interaction time"},
+               {old.comments.size(), stored.comments, "comments"}};
+  for (const auto& text : texts) {
+    if (text.read == text.stored) continue;
+    std::printf("\tERROR: Unable to fix record %d: its %s could not be read whole\n", id, text.column_words);
+    return true;
+  }
+  return false;
+}
+
 // The first new text that its column cannot hold, reported with `id`; false
 // when all of them fit.
 bool ReportTooWide(int id, const EnrichmentRewrite& fix) {
@@ -134,17 +160,24 @@ EnrichmentRewrite RewriteEnrichment(const EnrichmentRecord& old) {
 int fixEnrichmentRecords() {
   std::printf("Fixing enrichment records\n");
   int fixed = 0;
-  SqlResult result = QuerySql("select id from enrichment;", {});
+  // With the stored lengths of the texts it rewrites, to tell a text read
+  // whole from one cut short.
+  SqlResult result =
+      QuerySql("select id,length(what),length(interactionTime),length(comments) from enrichment;", {});
   if (result) {
     ProgressLoop progress("Fixing the enrichment records", result.size());
     while (MYSQL_ROW row = result.NextRow()) {
       progress.Step();
       int id = ColumnInt(row[0]);
+      const StoredLengths stored = {static_cast<std::size_t>(ColumnInt(row[1])),
+                                    static_cast<std::size_t>(ColumnInt(row[2])),
+                                    static_cast<std::size_t>(ColumnInt(row[3]))};
       EnrichmentRecord old{};
       if (GetEnrichment(id, old) != 0) {
         std::printf("\tERROR: Unable to read record %d\n", id);
         continue;
       }
+      if (ReportNotReadWhole(id, old, stored)) continue;
       const EnrichmentRewrite fix = RewriteEnrichment(old);
       if (ReportTooWide(id, fix)) continue;
       if (WriteRewrite(id, fix)) ++fixed;

@@ -33,7 +33,7 @@ TEST_F(EnrichmentRepairTest, RewritesEveryRowAndAgainOnASecondRun) {
 }
 
 // Every character a row held stays, at the columns' full widths and with backslashes and quotes; a row whose
-// new text its column cannot hold is reported and left as it was rather than cut.
+// new text its column cannot hold, or whose text holds a NUL byte, is reported and left as it was.
 TEST_F(EnrichmentRepairTest, TextsStayWhole) {
   std::string full_what(319, 'w');
   full_what.replace(0, 21, "pine cones scented...");
@@ -43,10 +43,12 @@ TEST_F(EnrichmentRepairTest, TextsStayWhole) {
   AddRow(1, 1, full_what, full_time, "", "Cached two cones.", long_comments);
   AddRow(2, 2, R"(Box\Tube)", R"(10 o'clock \N)", R"(2\3 hr)", R"(Said "hi" \0)", R"(Ruiz\nVet's "care")");
   AddRow(3, 2, std::string(313, 'w'), "5 min", "", "", "Too long for one more word.");
+  AddRow(4, 2, "Ball", "5 min", "", "", std::string("Before a NUL") + '\0' + "and after it");
   EXPECT_EQ(RunHere(fixEnrichmentRecords),
             std::make_pair(0, std::string("Fixing enrichment records\n"
                                           "\tERROR: Unable to fix record 3: the new what has 320 characters, "
                                           "its column holds 319\n"
+                                          "\tERROR: Unable to fix record 4: its comments could not be read whole\n"
                                           "Fixed 2 enrichment records\n")));
   EXPECT_EQ(Column(1, "what"), full_what);
   EXPECT_EQ(Column(1, "interactionTime"), full_time);
@@ -54,7 +56,9 @@ TEST_F(EnrichmentRepairTest, TextsStayWhole) {
   EXPECT_EQ(Column(2, "what"), R"(Box\Tube Visual)");
   EXPECT_EQ(Column(2, "interactionTime"), R"(10 o'clock \N. Overall time: 2\3 hr)");
   EXPECT_EQ(Column(2, "comments"), R"(Ruiz\nVet's "care")" "\n" R"(Said "hi" \0)");
-  EXPECT_EQ(Rows("select type,what from enrichment where id=3"), std::vector<std::string>{"2|" + std::string(313, 'w')});
+  EXPECT_EQ(Rows("select type,what from enrichment where id>=3 order by id"),
+            (std::vector<std::string>{"2|" + std::string(313, 'w'), "2|Ball"}));
+  EXPECT_EQ(Column(4, "length(comments)"), "25");
 }
 
 }  // namespace
