@@ -23,8 +23,9 @@ EnrichmentRewrite RewriteEnrichment(const EnrichmentRecord& old);
 // Rewrites every row of `enrichment`, its texts escaped. A row that cannot be
 // read is reported and skipped; so is a row whose `what`, `interactionTime`
 // or `comments` could not be read whole (a NUL byte in it) or would not fit
-// its column once rewritten: such a row is left as it was, rather than cut. A row whose update fails is reported and left
-// with the columns updated before the failure. Not idempotent: a second run
-// reads the new values as old bits and texts again. Prints the count of fully
-// rewritten rows. Returns 0.
+// its column once rewritten: such a row is left as it was, rather than cut.
+// A row whose update fails is reported and left with the columns updated
+// before the failure. Not idempotent: a second run reads the new values as
+// old bits and texts again. Prints the count of fully rewritten rows.
+// Returns 0.
 int fixEnrichmentRecords();
