@@ -81,10 +81,10 @@ INSERT INTO transfers (id, record_entry_id, patient_id, date, name, city, state,
 -- Enrichment log rows in the old meaning of `type` and `interactionLevel`.
 --   1  type 1 (T), level 8|2, time with a trailing blank, overall time, behaviour
 --   2  type 2|8|128 after a one-word `what`, level 1, only an overall time
---   3  type 1|4|16|32|64, level 4, a quote in the comments (escaped on write)
---   4  a quote in `what`: the type is rewritten, then the repair stops the row
+--   3  type 1|4|16|32|64, level 4, a quote in the comments
+--   4  a quote in `what` (every text is escaped on write, so quotes stay)
 --   5  saved empty: every column but the date and who is null
---   6  a quote in `interactionTime`: type and what are rewritten, then it stops
+--   6  a quote in `interactionTime`
 INSERT INTO enrichment (id, date, who, what, type, goal, location, behavior, interactionLevel,
                         interactionTime, overallTime, comments) VALUES
   (1, '2014-05-02 09:30:00', 'K.O.', '', 1, 'Keep flight muscles working', 'Flight cage 2',

@@ -296,3 +296,9 @@ SqlResult& SqlResult::operator=(SqlResult&& other) noexcept {
 }
 
 MYSQL_ROW SqlResult::NextRow() { return result_ != nullptr ? mysql_fetch_row(result_) : nullptr; }
+
+std::string_view SqlResult::ColumnBytes(MYSQL_ROW row, unsigned index) const {
+  if (result_ == nullptr || row == nullptr || row[index] == nullptr) return {};
+  const unsigned long* lengths = mysql_fetch_lengths(result_);
+  return lengths != nullptr ? std::string_view(row[index], lengths[index]) : std::string_view(row[index]);
+}

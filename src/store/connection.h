@@ -141,6 +141,10 @@ class SqlResult {
   // back as nullptr.
   MYSQL_ROW NextRow();
 
+  // Column `index` of `row`, the row NextRow returned last, with all its
+  // bytes (a NUL byte inside the text included); empty for a null column.
+  std::string_view ColumnBytes(MYSQL_ROW row, unsigned index) const;
+
   // How many rows the result holds (0 for none).
   unsigned long long size() const { return result_ != nullptr ? mysql_num_rows(result_) : 0; }
 

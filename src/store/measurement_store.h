@@ -77,18 +77,20 @@ struct WaterQualityRecord {
   float TAN;
 };
 
+// The texts are as wide as their columns, so that a row read here and
+// written back keeps every character it held.
 struct EnrichmentRecord {
   Text<20> date;
   Text<16> who;
-  Text<128> what;
+  Text<320> what;
   int32_t type;  // one bit per kind of enrichment
   Text<128> goal;
   Text<64> location;
   Text<128> behavior;
   int32_t interactionLevel;
-  Text<32> interactionTime;
+  Text<128> interactionTime;
   Text<32> overallTime;
-  Text<256> comments;
+  Text<65536> comments;  // a TEXT column
 };
 
 // Each writes its row under the given record entry; 0 or 1. Texts unescaped.

@@ -138,3 +138,8 @@ int ClearPatientFlag(const char* patient_id, int64_t mask) {
   return ExecuteSql("update patient set flags = cast(flags & ~%I64d as signed) where patient_id='%s';",
                     {mask, patient_id});
 }
+
+int ClearPatientFlagById(int id, int64_t mask) {
+  // Signed for the same reason as in ClearPatientFlag.
+  return ExecuteSql("update patient set flags = cast(flags & ~%I64d as signed) where id=%d;", {mask, id});
+}

@@ -147,3 +147,8 @@ int CountPatients();
 // Clears the bits of `mask` in the row's flags on the server, leaving every
 // other bit as it is. Returns 0, or non-zero on failure.
 int ClearPatientFlag(const char* patient_id, int64_t mask);
+
+// The same for the row with the numeric key `id`, which reaches every row,
+// also one whose case number is null or holds a backslash. 0, or non-zero on
+// failure.
+int ClearPatientFlagById(int id, int64_t mask);

@@ -38,10 +38,12 @@ void StripQuotes(const char* source, char* target, std::size_t target_size) {
   if (char* quote = std::strchr(target, '"')) *quote = '\0';
 }
 
-bool WrapLongLines(char* text, int width) {
+namespace {
+
+bool WrapBytes(char* text, std::size_t length, int width) {
   bool changed = false;
   int column = 0;
-  for (char* p = text; *p != '\0'; ++p) {
+  for (char* p = text; p != text + length; ++p) {
     if (*p == '\n') {
       column = 0;
       continue;
@@ -55,6 +57,12 @@ bool WrapLongLines(char* text, int width) {
   }
   return changed;
 }
+
+}  // namespace
+
+bool WrapLongLines(char* text, int width) { return WrapBytes(text, std::strlen(text), width); }
+
+bool WrapLongLines(std::string& text, int width) { return WrapBytes(text.data(), text.size(), width); }
 
 bool EqualsNoCase(const char* a, const char* b) { return strcasecmp(a, b) == 0; }
 

@@ -33,6 +33,10 @@ void StripQuotes(const char* source, Text<N>& target) {
 // when at least one character was replaced.
 bool WrapLongLines(char* text, int width);
 
+// The same over all of `text`, whatever bytes it holds: a NUL byte counts as
+// one more character of its line.
+bool WrapLongLines(std::string& text, int width);
+
 // True when `line` holds nothing but blanks, tabs and line ends: an empty
 // line of an export, which holds no record.
 bool IsBlank(std::string_view line);

@@ -51,7 +51,7 @@ bool WritePcv(const CbcRow& cbc, int pcv) {
   }
   PcvRecord record{};
   record.date = cbc.date;
-  record.pcv = SaturatedCast<int16_t>(static_cast<float>(pcv));
+  record.pcv = static_cast<int16_t>(pcv);  // the caller checked that it fits
   record.ts = -1;
   record.buffy = -1;
   record.serum = "";
@@ -62,34 +62,53 @@ bool WritePcv(const CbcRow& cbc, int pcv) {
   return true;
 }
 
+enum class Outcome { kFixed, kNotFixed, kStop };
+
+// Works out and writes the volume of one row, reporting what it does.
+Outcome RepairRow(const CbcRow& cbc) {
+  if (cbc.count == cbc.corrected_count) return Outcome::kNotFixed;
+  if (cbc.count == 0) {
+    // No volume gives a corrected count from a count of 0.
+    std::printf("\tERROR: CBC record %d of PatientId=%s, date: %s has count=0 and correctedCount=%d, "
+                "PCV not computed\n",
+                cbc.id, cbc.patient_id, cbc.date, cbc.corrected_count);
+    return Outcome::kNotFixed;
+  }
+  const auto pcv = static_cast<float>(std::ceil(cbc.corrected_count * kNormalPcv / cbc.count));
+  const int pcv_value = SaturatedCast<int>(pcv);
+  if (pcv_value > std::numeric_limits<int16_t>::max()) {
+    // The `pcv` row could not hold it, and no blood gives such a volume.
+    std::printf("\tERROR: CBC record %d of PatientId=%s, date: %s has count=%d and correctedCount=%d, "
+                "PCV=%d does not fit, not written\n",
+                cbc.id, cbc.patient_id, cbc.date, cbc.count, cbc.corrected_count, pcv_value);
+    return Outcome::kNotFixed;
+  }
+  std::printf("PatientId=%s, date: %s, count=%d,correctedCount=%d, PCV=%d\n", cbc.patient_id, cbc.date,
+              cbc.count, cbc.corrected_count, pcv_value);
+  // A volume of 0 or less is not written, yet the row counts as fixed.
+  if (pcv_value > 0 && !WritePcv(cbc, pcv_value)) return Outcome::kStop;
+  return Outcome::kFixed;
+}
+
 }  // namespace
 
 int fix_CBC_PCV_Records() {
   std::printf("Fixing CBC/PCV records records\n");
   int found = 0;
   int fixed = 0;
+  // Only rows without a volume: a measured one stays as the clinic entered
+  // it, and a row this repair filled is not taken again.
   SqlResult result = QuerySql(
       "select p.patient_id,c.id,date_format(c.date,'%%Y-%%m-%%d'),c.record_entry_id,c.count,c.corrected_count "
-      "from patient p, record_entry re, cbc c where c.record_entry_id=re.id and re.patient_id=p.id;",
+      "from patient p, record_entry re, cbc c where c.record_entry_id=re.id and re.patient_id=p.id and c.pcv=0;",
       {});
   if (result) {
     ProgressLoop progress("Fixing the CBC and PCV records", result.size());
     while (MYSQL_ROW row = result.NextRow()) {
       progress.Step();
-      const CbcRow cbc = ReadCbcRow(row);
-      if (cbc.count == 0 && cbc.corrected_count != 0) {
-        // No volume gives a corrected count from a count of 0.
-        std::printf("\tERROR: CBC record %d of PatientId=%s, date: %s has count=0 and correctedCount=%d, "
-                    "PCV not computed\n",
-                    cbc.id, cbc.patient_id, cbc.date, cbc.corrected_count);
-      } else if (cbc.count != cbc.corrected_count) {
-        const auto pcv = static_cast<float>(std::ceil(cbc.corrected_count * kNormalPcv / cbc.count));
-        const int pcv_value = SaturatedCast<int>(pcv);
-        std::printf("PatientId=%s, date: %s, count=%d,correctedCount=%d, PCV=%d\n", cbc.patient_id, cbc.date,
-                    cbc.count, cbc.corrected_count, pcv_value);
-        if (pcv_value > 0 && !WritePcv(cbc, pcv_value)) break;
-        ++fixed;
-      }
+      const Outcome outcome = RepairRow(ReadCbcRow(row));
+      if (outcome == Outcome::kStop) break;
+      if (outcome == Outcome::kFixed) ++fixed;
       ++found;
     }
   }

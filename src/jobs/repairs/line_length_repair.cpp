@@ -51,8 +51,9 @@ void WalkTable(const NoteTable& table, bool test, NoteBuffers& buffers) {
       if (checked % kProgressEvery == 0) std::printf("-");
       int id = ColumnInt(row[0]);
       if (row[1] != nullptr) {
-        buffers.note.assign(row[1]);
-        if (WrapLongLines(buffers.note.data(), kLineWidth)) {
+        // All of the column's bytes: a NUL byte inside a note must not end it.
+        buffers.note.assign(result.ColumnBytes(row, 1));
+        if (WrapLongLines(buffers.note, kLineWidth)) {
           ++adjusted;
           std::printf("* (%d)", id);
           if (!test) {

@@ -7,7 +7,8 @@
 // "-" before the first row and every hundredth after it, "* (<id>)" for each
 // note that changes, and per table the rows checked and adjusted. With
 // `test` set nothing is written: the marks and counts show what a real run
-// would change. Notes of any length are handled whole. A failed update is
-// reported with the server's words and the walk goes on. Idempotent.
+// would change. Notes of any length are handled whole, NUL bytes included.
+// A failed update is reported with the server's words and the walk goes on.
+// Idempotent.
 // Returns 0, or 1 when the working buffers cannot be allocated.
 int fixLineLengths(bool test);

@@ -1,6 +1,7 @@
 #include "jobs/repairs/transfer_repairs.h"
 
 #include <cstdio>
+#include <string>
 #include <string_view>
 
 #include "jobs/repairs/repair_columns.h"
@@ -33,10 +34,12 @@ int fixTransfers() {
     while (MYSQL_ROW row = result.NextRow()) {
       progress.Step();
       int id = ColumnInt(row[0]);
-      std::string_view name = ColumnText(row[1]);
-      Text<128> new_name{};
-      new_name = name.substr(name.size() < kTransferNamePrefix.size() ? name.size() : kTransferNamePrefix.size());
-      if (ExecuteSql("update transfers set name='%s' where id=%d;", {new_name, id}) != 0) {
+      std::string_view name = result.ColumnBytes(row, 1);
+      const std::string new_name(
+          name.substr(name.size() < kTransferNamePrefix.size() ? name.size() : kTransferNamePrefix.size()));
+      // The name comes back as stored: its backslashes and quotes are escaped
+      // again, or the server would read them as escapes of its own.
+      if (ExecuteSql("update transfers set name='%s' where id=%d;", {EscapeSqlText(new_name), id}) != 0) {
         std::printf("Error updating transfer record %d - '%s'\n", id, new_name.c_str());
         return 1;
       }
@@ -67,7 +70,9 @@ int fix180DayReports() {
         std::printf("Error create patient attribute record %d - '%s'\n", id, patient_id);
         return 1;
       }
-      if (ClearPatientFlag(patient_id, kFlagOver180DaysReported) != 0) {
+      // By key: a case number may be null or hold a backslash, and then
+      // addresses no row, so the flag would stay and the next run repeat.
+      if (ClearPatientFlagById(id, kFlagOver180DaysReported) != 0) {
         std::printf("Error create patient attribute record %d - '%s'\n", id, patient_id);
         return 1;
       }

@@ -35,6 +35,17 @@ TEST_F(LineLengthRepairTest, NoteOfAnyLengthIsWrappedWhole) {
   EXPECT_EQ(Value("select notes from record_entry where id=1"), expected);
 }
 
+// A NUL byte is one more character of its line: the note is wrapped on both sides of it and keeps its tail.
+TEST_F(LineLengthRepairTest, NoteWithANulByteKeepsItsTail) {
+  const std::string note = std::string(85, 'x') + " mid" + '\0' + std::string(85, 'y') + " tail";
+  Exec("insert into location_record_entry (id,notes) values (7,'" + EscapeSqlText(note) + "')");
+  EXPECT_EQ(RunHere([] { return fixLineLengths(false); }).second,
+            "Fixing RECORD_ENTRY line lengths\n\nChecked 0 records\nAdjusted 0 records\n\n"
+            "Fixing LOCATION RECORD_ENTRY line lengths\n-* (7)\nChecked 1 records\nAdjusted 1 records\n");
+  EXPECT_EQ(Value("select replace(notes,char(0),'<NUL>') from location_record_entry"),
+            std::string(85, 'x') + "\nmid<NUL>" + std::string(85, 'y') + "\ntail");
+}
+
 TEST_F(LineLengthRepairTest, RefusedUpdateIsReportedWithTheServersWordsAndTheWalkGoesOn) {
   Exec("insert into record_entry (id,notes) values (1,'" + std::string(85, 'x') + " tail')");
   Refuse("update", "record_entry");

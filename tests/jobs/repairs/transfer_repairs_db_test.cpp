@@ -19,12 +19,21 @@ TEST_F(TransferRepairsTest, TransferNamesLoseOnePrefixPerRun) {
   EXPECT_EQ(Value("select name from transfers where id=2"), "Coastal Wildlife Hospital");
 }
 
-TEST_F(TransferRepairsTest, QuoteInNameStopsTheRepair) {
-  Exec("insert into transfers (id,name) values (1,' - Otter Creek'),(2,' - St. Clare''s Clinic'),(3,' - Pine Hollow')");
-  EXPECT_EQ(RunHere(fixTransfers),
-            std::make_pair(1, std::string("Error updating transfer record 2 - 'St. Clare's Clinic'\n")));
+// The rest of the name goes back as it was stored, backslashes and quotes included.
+TEST_F(TransferRepairsTest, NamesKeepTheirBackslashesAndQuotes) {
+  Exec(R"(insert into transfers (id,name) values (1,' - A\\B Wildlife'),(2,' - Ruiz\\nVet'),)"
+       R"((3,' - St. Clare''s Clinic'),(4,' - O\\''Neil \\'))");
+  EXPECT_EQ(RunHere(fixTransfers), std::make_pair(0, std::string("Updated 4 transfer records\n")));
   EXPECT_EQ(Rows("select name from transfers order by id"),
-            (std::vector<std::string>{"Otter Creek", " - St. Clare's Clinic", " - Pine Hollow"}));
+            (std::vector<std::string>{R"(A\B Wildlife)", R"(Ruiz\nVet)", "St. Clare's Clinic", R"(O\'Neil \)"}));
+}
+
+TEST_F(TransferRepairsTest, FailedUpdateStopsTheRepair) {
+  Exec("insert into transfers (id,name) values (1,' - Otter Creek'),(2,' - Pine Hollow')");
+  Refuse("update", "transfers");
+  EXPECT_EQ(RunHere(fixTransfers), std::make_pair(1, std::string("Error updating transfer record 1 - 'Otter Creek'\n")));
+  EXPECT_EQ(Rows("select name from transfers order by id"),
+            (std::vector<std::string>{" - Otter Creek", " - Pine Hollow"}));
 }
 
 TEST_F(TransferRepairsTest, FlagBecomesAttributeDatedToday) {
@@ -41,6 +50,20 @@ TEST_F(TransferRepairsTest, FlagBecomesAttributeDatedToday) {
   EXPECT_EQ(Value("select flags from patient where id=3"), "-9218868437227405312");
   // Every handled flag is cleared: a second run finds nothing.
   ExpectMatchesFile(Run("FIX180DAYREPORTS"), "jobs/repairs/expected/fix_180_day_reports_again.log");
+}
+
+// The flag is cleared in the patient's own row whatever its case number holds (none, a backslash, a
+// trailing backslash): a second run finds nothing and adds no attribute.
+TEST_F(TransferRepairsTest, FlagIsClearedByKey) {
+  Exec(R"(insert into patient (id,patient_id,flags) values (1,NULL,2199023255553),(2,'A\\B',2199023255552),)"
+       R"((3,'C\\',2199023255552))");
+  EXPECT_EQ(RunHere(fix180DayReports),
+            std::make_pair(0, std::string("Fixing 180 day reports\nPatient id: \nPatient id: A\\B\n"
+                                          "Patient id: C\\\nUpdated 3 patient records\n")));
+  EXPECT_EQ(Rows("select flags from patient order by id"), (std::vector<std::string>{"1", "0", "0"}));
+  EXPECT_EQ(RunHere(fix180DayReports),
+            std::make_pair(0, std::string("Fixing 180 day reports\nUpdated 0 patient records\n")));
+  EXPECT_EQ(Value("select count(*) from attributes"), "3");
 }
 
 // The attribute written before the refused flag update stays: the next run adds another.
