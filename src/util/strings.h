@@ -33,10 +33,6 @@ void StripQuotes(const char* source, Text<N>& target) {
 // when at least one character was replaced.
 bool WrapLongLines(char* text, int width);
 
-// True when `line` holds nothing but blanks, tabs and line ends: an empty
-// line of an export, which holds no record.
-bool IsBlank(std::string_view line);
-
 // True when `a` and `b` are equal ignoring ASCII letter case.
 bool EqualsNoCase(const char* a, const char* b);
 

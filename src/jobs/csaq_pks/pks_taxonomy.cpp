@@ -18,14 +18,14 @@ constexpr int kFirstTaxonomyField = 2;  // 0-based: kingdom; species is the last
 }  // namespace
 
 int FindSpeciesIdByCommonName(const char* common_name) {
-  std::string escaped = EscapeSqlText(common_name);
-  SqlResult result = QuerySql("Select id from species where common_name = '%s';", {escaped});
+  SqlResult result = QuerySql(kEscapeTexts, "Select id from species where common_name = '%s';", {common_name});
   MYSQL_ROW row = result.NextRow();
   return row != nullptr && row[0] != nullptr ? ToInt(row[0]) : 0;
 }
 
 int UpdateSpeciesTaxonomy(int id, const char* const taxonomy[7]) {
-  return ExecuteSql("update species set kingdom='%s',phylum='%s',class='%s',_order='%s',family='%s',genus='%s',"
+  return ExecuteSql(kEscapeTexts,
+                    "update species set kingdom='%s',phylum='%s',class='%s',_order='%s',family='%s',genus='%s',"
                     "species='%s' where id=%d;",
                     {taxonomy[0], taxonomy[1], taxonomy[2], taxonomy[3], taxonomy[4], taxonomy[5], taxonomy[6], id});
 }

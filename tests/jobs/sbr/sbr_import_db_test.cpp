@@ -173,4 +173,36 @@ TEST_F(SbrImportTest, ShortAndEmptyFiles) {
   EXPECT_EQ(Value("select count(*) from species") + Value("select count(*) from patient"), "00");
 }
 
+// A row of blanks and tabs with all its cells goes through each job like any
+// other row and gets the job's messages and counts; only an empty line is
+// passed over.
+TEST_F(SbrImportTest, BlankRowsFollowTheAlgorithm) {
+  const std::string dir = MakeTempDir();
+  WriteIni(dir);
+  std::filesystem::create_directory(dir + "/BandSightings");
+  auto blank_row = [](int cells) {
+    std::string row = " ";
+    for (int i = 1; i < cells; ++i) row += "\t ";
+    return row + "\r\n";
+  };
+  WriteFile(dir + "/species.txt", "header\r\n\r\n" + blank_row(7));
+  WriteFile(dir + "/SBR_LA.txt", "header\n\n" + blank_row(73) + "\t\t\n");
+  WriteFile(dir + "/BandSightings/BandSightings.txt", "header\n\n" + blank_row(23));
+  EXPECT_EQ(RunJob(dir, "SBR_LA", "species"),
+            "SBR_LA - species - 2016\nLoading species data from './species.txt'\n"
+            "ERROR: Invalid or missing abbreviation for ''\nLoaded 0 species\n");
+  // The blank row, then a row of tabs only (one cell, its line end).
+  EXPECT_EQ(RunJob(dir, "SBR_LA", "patient", "LA"),
+            "SBR_LA - patient - 2016\nLoading patient data from './SBR_LA.txt'\n"
+            "ERROR: Invalid or missing ID ' '\nERROR: Invalid species ' ' for ' '\n"
+            "ERROR: Invalid admission date ' ' for ' '\n"
+            "ERROR: Invalid or missing ID ''\n\tERROR - only 1 of 73 fields for '', line skipped\n"
+            "Imported 0 patients\n");
+  EXPECT_EQ(RunJob(dir, "SBR_LA", "band_sightings"),
+            "SBR_LA - band_sightings - 2016\nLoading patient data from './BandSightings/BandSightings.txt'\n"
+            "ERROR: invalid date ' ' for sighting on ' '\n"
+            "Created 0 band reports and inserted 0 images\nThere were 1 errors and 0 records were skipped.");
+  EXPECT_EQ(Value("select count(*) from species") + Value("select count(*) from patient"), "00");
+}
+
 }  // namespace
