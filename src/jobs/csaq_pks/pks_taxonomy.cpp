@@ -41,10 +41,10 @@ int RepairTaxonomy() {
   }  // the header, however long
   int updated = 0;
   while (reader.ReadLine(line)) {
+    if (IsEmptyLine(line)) continue;  // an empty line names no species; any other goes through
     Tokenizer tokenizer(line);
     char* field[kFieldCount];
     int found = TakeFields(tokenizer, field, kFieldCount, "\t\n", "\t\n");
-    if (found == 0) continue;
     if (!HasFields(found, kFieldCount, field[0])) continue;
     const char* common_name = field[0];
     int id = FindSpeciesIdByCommonName(common_name);
