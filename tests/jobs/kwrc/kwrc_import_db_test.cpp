@@ -121,4 +121,16 @@ TEST_F(KwrcImportTest, SplitKwrcAddress) {
   EXPECT_NE(printed.find("Addr: 'Wenquan Town', District: '', Province: 'Hebei'\n"), std::string::npos);
 }
 
+// Only an empty line is passed over: a line of tabs has no field, and is
+// reported as the short line it is.
+TEST_F(KwrcImportTest, LineOfTabsIsReportedEmptyLineIsNot) {
+  std::string dir = MakeTempDir();
+  WriteIni(dir);
+  WriteFile(dir + "/KWRC_2012.txt", "header\r\n\r\n\t\t\t\r\n");
+  ProgramRun run = RunProgram(dir, {"-org", "KWRC", "-type", "patient", "-year", "2012"});
+  EXPECT_EQ(run.output.substr(Connected().size()),
+            "KWRC - patient - 2012\nLoading KWRC data for 2012...\n\n"
+            "\tERROR - only 0 of 14 fields for '', line skipped\nImported 0 records\n");
+}
+
 }  // namespace
