@@ -72,4 +72,3 @@ int ToInt(const char* text) {
   if (value < INT_MIN) return INT_MIN;
   return static_cast<int>(value);
 }
-
