@@ -1,6 +1,7 @@
 #include "jobs/patient_rows.h"
 
 #include <cstdio>
+#include <string>
 
 #include "store/connection.h"
 #include "store/record_entry_store.h"
@@ -21,9 +22,7 @@ bool InsertPatientWithFinder(PatientRecord& patient, const PatientFinderInfo& fi
 }
 
 int InsertImportNote(const PatientRecord& patient) {
-  Text<128> note{};
-  note = "Patient record imported into Corvana\n-------------------------------------\n";
-  EscapeSql(note);
+  std::string note = EscapeSqlText("Patient record imported into Corvana\n-------------------------------------\n");
   return InsertRecordEntry(patient.id, note.c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0');
 }
 

@@ -29,10 +29,10 @@ bool g_gave_up_waiting = false;
 
 StatementTally g_tally;
 
-bool Prepare(const char* statement, std::initializer_list<SqlArg> args) {
+bool Prepare(const char* statement, std::initializer_list<SqlArg> args, SqlTexts texts) {
   g_failure.clear();
   std::string reason;
-  if (FormatSql(g_statement, reason, statement, args)) return true;
+  if (FormatSql(g_statement, reason, statement, args, texts)) return true;
   g_failure = "Statement not sent: " + reason;
   ++g_tally.failed;
   return false;
@@ -259,9 +259,34 @@ std::string EscapeSqlText(std::string_view text) {
   return escaped;
 }
 
-int ExecuteSql(const char* statement, std::initializer_list<SqlArg> args) {
-  if (!Prepare(statement, args)) return 1;
+namespace {
+
+int Execute(const char* statement, std::initializer_list<SqlArg> args, SqlTexts texts) {
+  if (!Prepare(statement, args, texts)) return 1;
   return Send(false);
+}
+
+SqlResult Query(const char* statement, std::initializer_list<SqlArg> args, SqlTexts texts) {
+  if (!Prepare(statement, args, texts)) return SqlResult();
+  if (Send(true) != 0) return SqlResult();
+  MYSQL_RES* result = mysql_store_result(&g_connection);
+  if (result == nullptr && mysql_errno(&g_connection) != 0) g_failure = mysql_error(&g_connection);
+  return SqlResult(result);
+}
+
+int FirstInt(SqlResult& result, int fallback) {
+  MYSQL_ROW row = result.NextRow();
+  return row != nullptr && row[0] != nullptr ? ToInt(row[0]) : fallback;
+}
+
+}  // namespace
+
+int ExecuteSql(const char* statement, std::initializer_list<SqlArg> args) {
+  return Execute(statement, args, SqlTexts::kAsGiven);
+}
+
+int ExecuteSql(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args) {
+  return Execute(statement, args, SqlTexts::kEscape);
 }
 
 const StatementTally& Tally() { return g_tally; }
@@ -269,17 +294,21 @@ const StatementTally& Tally() { return g_tally; }
 long long LastInsertId() { return static_cast<long long>(mysql_insert_id(&g_connection)); }
 
 SqlResult QuerySql(const char* statement, std::initializer_list<SqlArg> args) {
-  if (!Prepare(statement, args)) return SqlResult();
-  if (Send(true) != 0) return SqlResult();
-  MYSQL_RES* result = mysql_store_result(&g_connection);
-  if (result == nullptr && mysql_errno(&g_connection) != 0) g_failure = mysql_error(&g_connection);
-  return SqlResult(result);
+  return Query(statement, args, SqlTexts::kAsGiven);
+}
+
+SqlResult QuerySql(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args) {
+  return Query(statement, args, SqlTexts::kEscape);
 }
 
 int QueryInt(const char* statement, std::initializer_list<SqlArg> args, int fallback) {
-  SqlResult result = QuerySql(statement, args);
-  MYSQL_ROW row = result.NextRow();
-  return row != nullptr && row[0] != nullptr ? ToInt(row[0]) : fallback;
+  SqlResult result = Query(statement, args, SqlTexts::kAsGiven);
+  return FirstInt(result, fallback);
+}
+
+int QueryInt(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args, int fallback) {
+  SqlResult result = Query(statement, args, SqlTexts::kEscape);
+  return FirstInt(result, fallback);
 }
 
 SqlResult::~SqlResult() {

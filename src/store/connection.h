@@ -68,12 +68,14 @@ const char* LastDbError();
 // connection. Returns `text`.
 char* EscapeSql(char* text);
 
-// Escapes a copy of `text` into a growing string; no size limit applies.
+// Escapes a copy of `text` into a growing string; no size limit applies, so
+// nothing of the text is ever cut. What the jobs use for record entry notes.
 std::string EscapeSqlText(std::string_view text);
 
 // Escapes `text` into the field; when the escaped form does not fit, it is cut
 // before the escape sequence that would not fit, so the result stays a safe
-// literal.
+// literal. It shortens a text that holds quotes: the jobs do not use it (the
+// store escapes their texts while formatting, into the growing statement).
 template <std::size_t N>
 void EscapeSql(Text<N>& text) {
   std::string escaped = EscapeSqlText(text.view());
@@ -90,6 +92,16 @@ void EscapeSql(Text<N>& text) {
   text.Assign(std::string_view(escaped).substr(0, safe_end));
 }
 
+// Selects the statement calls below that escape every text of the statement
+// as it is formatted (SqlTexts::kEscape): ExecuteSql(kEscapeTexts, "...", {...}).
+// The row operations of the store and the jobs' own statements use them, so
+// a text taken from an input is escaped exactly once, in the statement, and
+// never cut by its escaped form; only an argument marked AlreadyEscaped is
+// sent as it is. The calls without it send texts as given (for callers that
+// escape their texts themselves).
+struct EscapeTexts {};
+inline constexpr EscapeTexts kEscapeTexts{};
+
 // Formats `statement` with `args` (see FormatSql) and sends it. Returns 0 on
 // success; the library's non-zero code when the server refused it; 1 when it
 // was refused before sending (LastDbError says why).
@@ -101,6 +113,7 @@ void EscapeSql(Text<N>& text) {
 // reports it rather than risk writing a row twice. Once the limit has passed
 // without the server, statements fail at once until one gets through.
 int ExecuteSql(const char* statement, std::initializer_list<SqlArg> args);
+int ExecuteSql(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args);
 
 // What the statements of this run did: how many were sent and how many
 // failed (refused before sending included), and per table the rows that the
@@ -157,11 +170,13 @@ class SqlResult {
 // that went away like ExecuteSql, and being a read, is sent again also when
 // the link dropped while it ran.
 SqlResult QuerySql(const char* statement, std::initializer_list<SqlArg> args);
+SqlResult QuerySql(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args);
 
 // Formats and sends a SELECT and reads the first column of its first row as
 // an integer (atoi rules); `fallback` when the statement fails, there is no
 // row or the column is null.
 int QueryInt(const char* statement, std::initializer_list<SqlArg> args, int fallback);
+int QueryInt(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args, int fallback);
 
 // Copies a column into `field`, a null column as the empty text.
 template <std::size_t N>

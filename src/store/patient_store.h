@@ -1,9 +1,11 @@
 // The `patient` table: the in-memory patient row, its finder columns, the
 // meaning of the patient flags, and the row operations.
 //
-// Like every row operation, these do not escape the texts they send: a job
-// escapes free texts first. A text that would end its quoted value early
-// makes the operation fail without sending anything (LastDbError says why).
+// Like every row operation, these escape every text they send as they format
+// the statement (kEscapeTexts), so the jobs hand over texts as they came from
+// the input, never escaped, and a field's width applies to the text itself.
+// The same holds for the look-ups: a case number, band or marker is compared
+// as it was stored.
 #pragma once
 
 #include <cstdint>

@@ -16,6 +16,21 @@ bool IsSafeLiteral(std::string_view value) {
   return true;
 }
 
+void AppendEscapedSql(std::string& out, std::string_view text) {
+  for (char c : text) {
+    switch (c) {
+      case '\0': out += "\\0"; break;
+      case '\n': out += "\\n"; break;
+      case '\r': out += "\\r"; break;
+      case '\\': out += "\\\\"; break;
+      case '\'': out += "\\'"; break;
+      case '"': out += "\\\""; break;
+      case '\032': out += "\\Z"; break;
+      default: out.push_back(c); break;
+    }
+  }
+}
+
 namespace {
 
 // The conversion texts come from the fixed statement texts, never from data.
@@ -67,7 +82,7 @@ bool FormatOne(std::string& out, std::string_view conversion, const SqlArg& arg)
 }  // namespace
 
 bool FormatSql(std::string& out, std::string& error, const char* statement,
-               std::initializer_list<SqlArg> args) {
+               std::initializer_list<SqlArg> args, SqlTexts texts) {
   out.clear();
   error.clear();
   const SqlArg* next = args.begin();
@@ -99,6 +114,12 @@ bool FormatSql(std::string& out, std::string& error, const char* statement,
     if (!FormatOne(out, std::string_view(start, static_cast<std::size_t>(p - start + 1)), *next)) {
       error = "Value " + std::to_string(number) + " does not match its conversion";
       return false;
+    }
+    if (in_literal && texts == SqlTexts::kEscape && !next->escaped && next->kind != SqlArg::Kind::kInteger &&
+        next->kind != SqlArg::Kind::kReal) {
+      std::string value = out.substr(before);
+      out.resize(before);
+      AppendEscapedSql(out, value);
     }
     if (in_literal && !IsSafeLiteral(std::string_view(out).substr(before))) {
       error = "Value " + std::to_string(number) + " would end its quoted text early: '" +

@@ -52,16 +52,27 @@ TEST_F(PatientStoreTest, RecordsFilledToEveryWidthAreStoredWhole) {
   EXPECT_EQ(Value("select reason_for_euth from patient"), "poor prognosis");
 }
 
-TEST_F(PatientStoreTest, UnescapedQuoteFailsAndLeavesIdAlone) {
-  PatientRecord p = NewPatient("2012-0002");
-  p.id = 77;
+TEST_F(PatientStoreTest, QuotedTextsLandWholeAndFindTheirRow) {
+  PatientRecord p = NewPatient("LA-16-0'22");
   p.name = "O'Hara";
-  EXPECT_EQ(InsertPatient(p), 1);
-  EXPECT_EQ(p.id, 77);
-  EXPECT_EQ(Value("select count(*) from patient"), "0");
+  p.band = "0807-'2222";
+  p.aux_marker = "01A O'K 0305";
+  ASSERT_EQ(InsertPatient(p), 0) << LastDbError();
   PatientFinderInfo f{};
-  f.found_hx = "under the neighbour's car";
-  EXPECT_EQ(UpdatePatientFinderInfo("2012-0002", f), 1);
+  f.found_addr = "9 O'Farrell St";
+  f.presenter_org = "St. Mary's " + std::string(52, 'o');  // the column's width, two quotes
+  ASSERT_EQ(UpdatePatientFinderInfo(p.patient_id.c_str(), f), 0) << LastDbError();
+  EXPECT_EQ(Rows("select patient_id,name,band,found_addr,presenter_org from patient"),
+            (std::vector<std::string>{"LA-16-0'22|O'Hara|0807-'2222|9 O'Farrell St|" +
+                                      std::string(f.presenter_org.view())}));
+  EXPECT_EQ(GetPatientKey("LA-16-0'22"), p.id);
+  Text<16> case_number{};
+  Text<64> band{};
+  EXPECT_EQ(FindPatientByBand("0807-'2222", case_number), p.id);
+  EXPECT_EQ(FindPatientByAuxMarker("01A O'K 0305", case_number, band), p.id);
+  EXPECT_EQ(band, "0807-'2222");
+  EXPECT_EQ(SetPatientLocation("LA-16-0'22", "Pelican's pen"), 0);
+  EXPECT_EQ(Value("select location from patient"), "Pelican's pen");
 }
 
 TEST_F(PatientStoreTest, LookUpsLocationAndFlags) {

@@ -47,4 +47,31 @@ TEST(SqlFormatTest, RefusesUnsafeOrMismatchedValues) {
   for (const auto& [value, safe] : cases) EXPECT_EQ(IsSafeLiteral(value), safe) << value;
 }
 
+TEST(SqlFormatTest, EscapesTextsInsideLiteralsOnceWhenAsked) {
+  auto escaped = [](const char* statement, std::initializer_list<SqlArg> args) {
+    std::string out;
+    std::string error;
+    EXPECT_TRUE(FormatSql(out, error, statement, args, SqlTexts::kEscape)) << statement << ": " << error;
+    return out;
+  };
+  Text<8> field{};
+  field = "O'Neil";
+  const struct {
+    const char* statement;
+    std::initializer_list<SqlArg> args;
+    const char* expected;
+  } cases[] = {
+      {"name='%s',special='%c',id=%d;", {field, '\'', 7}, "name='O\\'Neil',special='\\'',id=7;"},
+      // Quote, double quote, backslash, line breaks, NUL and Ctrl-Z.
+      {"v='%s'", {std::string_view("'\"\\\n\r\0\032", 7)}, "v='\\'\\\"\\\\\\n\\r\\0\\Z'"},
+      // A precision cuts the text as it came; its escaped form may be longer.
+      {"v='%.3s'", {"a'bcd"}, "v='a\\'b'"},
+      // A text escaped before (a wrapped note) is sent as it is.
+      {"notes='%s',who='%s'", {AlreadyEscaped("it\\'s"), "it's"}, "notes='it\\'s',who='it\\'s'"},
+      // Only values inside a quoted literal are escaped.
+      {"where id in (%s) and name like '%%%s';", {"1,2", "O'N"}, "where id in (1,2) and name like '%O\\'N';"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(escaped(c.statement, c.args), c.expected) << c.statement;
+}
+
 }  // namespace

@@ -42,13 +42,16 @@ class PatientFinder {
   // The first patient of `species` whose notes end with `tag`; 0 when none.
   int BySpecies(const char* species, const std::string& tag) {
     return Cached(std::string(species) + '\n' + tag, [&] {
-      return QueryInt("select id from patient where species='%s' and notes like '%%%s';", {species, tag}, 0);
+      return QueryInt(kEscapeTexts, "select id from patient where species='%s' and notes like '%%%s';",
+                      {species, tag}, 0);
     });
   }
   // The first patient whose notes end with `tag`; 0 when none or the tag is empty.
   int ByTag(const std::string& tag) {
     if (tag.empty()) return 0;  // would match every patient
-    return Cached(tag, [&] { return QueryInt("select id from patient where notes like '%%%s';", {tag}, 0); });
+    return Cached(tag, [&] {
+      return QueryInt(kEscapeTexts, "select id from patient where notes like '%%%s';", {tag}, 0);
+    });
   }
 
  private:

@@ -98,7 +98,8 @@ class LocationIds {
 // Writes the tank's log entry and the reading on it; returns true when both were stored.
 bool WriteReading(const char* label, int location_id, const WaterQualityRecord& reading, int& errors) {
   std::string noon = std::string(reading.date.view()) + " 12:00:00";
-  if (ExecuteSql("insert into location_record_entry (location_id,notes,date,who) values (%d,'','%s','%s');",
+  if (ExecuteSql(kEscapeTexts,
+                 "insert into location_record_entry (location_id,notes,date,who) values (%d,'','%s','%s');",
                  {location_id, noon, reading.who}) != 0) {
     std::printf("Unable to create enclosure record entry for  '%s':%d\n", label, location_id);
     ++errors;

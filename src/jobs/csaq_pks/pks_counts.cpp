@@ -27,6 +27,7 @@ constexpr int kGroupLineTokens = 6;  // "GROUP:", Local_ID, date, male, female, 
 // without regard to letter case.
 int FindGroupPatientKey(const char* local_id) {
   SqlResult result = QuerySql(
+      kEscapeTexts,
       "select p.id from patient p, attributes a where a.patient_id=p.id and a.name='GROUP' and a.value='%s';",
       {local_id});
   MYSQL_ROW row = result.NextRow();
@@ -144,7 +145,7 @@ void RecordGroupCount(AnimalRecord& group, const CensusCount& count) {
   text.Format("Census update\n---------------\nType: %s\nMethod: %s\nM=%d, F=%d, UNK=%d, Group=%d, Change=%d",
               count.type.c_str(), count.method.c_str(), count.male, count.female, count.other, count.group,
               count.change);
-  int entry_id = InsertCensusEntry(group, text.c_str(), count);
+  int entry_id = InsertCensusEntry(group, EscapeSqlText(text).c_str(), count);
   if (InsertCensusAttribute(PatientKey(group), count.census_date, count.male, count.female, count.other) != 0) {
     std::printf("\tERROR: can't create patient attribute record for '%s'\n", count.local_id);
   }

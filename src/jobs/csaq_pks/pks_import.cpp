@@ -38,7 +38,7 @@ struct FileCloser {
 // longer resident. Rows already in the table would get duplicate ids and
 // lose their locations.
 bool PatientTableIsEmpty() {
-  SqlResult result = QuerySql("select count(*) from patient;", {});
+  SqlResult result = QuerySql(kEscapeTexts, "select count(*) from patient;", {});
   MYSQL_ROW row = result.NextRow();
   if (row == nullptr || row[0] == nullptr) {
     std::printf("\tERROR: Unable to count the rows of the patient table: %s\n", LastDbError());

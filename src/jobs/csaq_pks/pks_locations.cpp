@@ -44,7 +44,7 @@ void LocationNames::Add(const char* name, const char* description) {
 
 int LocationNames::Load() {
   int rows = 0;
-  SqlResult result = QuerySql("Select name,description from location;", {});
+  SqlResult result = QuerySql(kEscapeTexts, "Select name,description from location;", {});
   while (MYSQL_ROW row = result.NextRow()) {
     Add(row[0] != nullptr ? row[0] : "", row[1] != nullptr ? row[1] : "");
     ++rows;

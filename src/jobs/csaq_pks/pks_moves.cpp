@@ -139,6 +139,7 @@ void WriteMove(ZooImport& job, const LocationNames& locations, const XmlNode* re
   const char* reason = XmlChildText(record, "TransferReason");
   if (HasText(reason)) text.append(", Reason: ").append(reason);
   WrapLongLines(text.data(), kLineWidth);
+  text = EscapeSqlText(text);  // after the wrapping, which counts the text as it reads
   const char* responsible = XmlChildText(record, "ResponsibleParty");
   Text<32> who{};
   who = HasText(responsible) ? responsible : "NA";
@@ -193,7 +194,7 @@ bool WriteMoves(ZooImport& job) {
 bool ClearNonResidentLocations(ZooImport&) {
   std::printf("Clearing locations for animals that are no longer residents...\n");
   // Every patient of the database, not only those of this run.
-  if (ExecuteSql("update patient set location='' where status != 'PR'", {}) != 0) {
+  if (ExecuteSql(kEscapeTexts, "update patient set location='' where status != 'PR'", {}) != 0) {
     std::printf("\tERROR: Unable to clear locations for non-residents\n");
   }
   return true;

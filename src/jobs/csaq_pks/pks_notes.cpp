@@ -280,12 +280,12 @@ void WriteNoteEntry(ZooImport& job, const XmlNode* record) {
 
   switch (FindNoteEntry(note.note_type)) {
     case NoteEntry::kEventType: {
-      std::string text = std::string(note.note_type) + "\n";
+      std::string text = EscapeSqlText(std::string(note.note_type) + "\n");
       InsertTextEntries(job, run, text.c_str(), note, "record entry");
       break;
     }
     case NoteEntry::kRescued:
-      InsertTextEntries(job, run, "Rescued", note, "record entry");
+      InsertTextEntries(job, run, "Rescued", note, "record entry");  // escaped as it is
       break;
     case NoteEntry::kRelease:
       InsertReleases(job, run, note);

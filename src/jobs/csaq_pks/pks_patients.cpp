@@ -25,9 +25,7 @@ void CreatePatientRecord(AnimalRecord& animal, int& undated) {
   if (InsertPatient(patient) != 0) {
     std::printf("\tERROR - Unable to create patient record for '%s'\n", patient.patient_id.c_str());
   }
-  PatientFinderInfo& finder = animal.finder;
-  EscapeSql(finder.found_addr);
-  EscapeSql(finder.presenter_addr);
+  const PatientFinderInfo& finder = animal.finder;
   if (UpdatePatientFinderInfo(patient.patient_id.c_str(), finder) != 0) {
     std::printf("\tERROR - Unable to update patient finder info for '%s'\n", patient.patient_id.c_str());
     std::printf("\t'%s', '%s', '%s'\n", finder.found_addr.c_str(), finder.found_city.c_str(),

@@ -106,14 +106,10 @@ void ApplyRemainingColumns(AdmissionLine& line, PatientRecord& patient, PatientF
     name += line[kLastName];
   }
   finder.found_name = name;
-  EscapeSql(finder.found_name);
   finder.found_addr = line[kAddress];
-  EscapeSql(finder.found_addr);
   finder.found_city = line[kCity];
-  EscapeSql(finder.found_city);
   finder.found_zip = line[kZip];
   finder.found_crossStreets = line[kCrossStreets];
-  EscapeSql(finder.found_crossStreets);
   patient.injury_cause = line[kCause];
 
   if (line[kDonation] != nullptr) {
@@ -124,7 +120,6 @@ void ApplyRemainingColumns(AdmissionLine& line, PatientRecord& patient, PatientF
   if (line[kPhone] != nullptr) finder.found_phone1 = line[kPhone];
   if (const char* brought_in_by = line[kBroughtInBy]) {
     finder.presenter_transporter = EqualsNoCase(brought_in_by, "Brought in") ? "Finder" : brought_in_by;
-    EscapeSql(finder.presenter_transporter);
   }
   if (char* age = line[kAge]) {
     TrimLeft(age);
@@ -140,7 +135,6 @@ bool WriteProblem(const char* problem, const PatientRecord& patient) {
   if (problem == nullptr || problem[0] == '\0') return true;
   Text<1024> description{};
   description = problem;
-  EscapeSql(description);
   if (InsertProblem(patient.id, description.c_str(), 0, "") < 0) {
     std::printf("\tERROR - Unable to create problem record for patient '%s'!\n", patient.patient_id.c_str());
     return false;
@@ -154,8 +148,7 @@ bool WriteImportNote(const PatientRecord& patient, const DswcReason& reason) {
   note.Format("Patient record imported into Corvana\n-------------------------------------\n%s%s",
               patient.status == "DNA" ? "Did not admit because: " : "",
               patient.status == "DNA" ? reason.c_str() : "");
-  EscapeSql(note);
-  if (InsertRecordEntry(patient.id, note.c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0') < 0) {
+  if (InsertRecordEntry(patient.id, EscapeSqlText(note).c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0') < 0) {
     std::printf("\tERROR - Unable to create record entry for patient '%s'!\n", patient.patient_id.c_str());
     return false;
   }
@@ -303,12 +296,12 @@ int ImportDswcAdmissions(int year) {
   while (reader.ReadLine(text)) {
     // A line that stops early must not carry its line end into its last field.
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+    if (text.empty()) continue;  // an empty line holds no admission; any other goes through
     Tokenizer tokenizer(text);
     AdmissionLine line = CutAdmissionLine(tokenizer, with_donation);
-    if (line.found == 0) continue;  // a blank line holds no admission
     Text<16> patient_id{};
     // "%.4d" writes what the centre's "%04.4d" does: at least four digits.
-    patient_id.Format("%d-%.4d", year, ToInt(line[kNumber]));
+    patient_id.Format("%d-%.4d", year, line.found > 0 ? ToInt(line[kNumber]) : 0);
     if (!HasFields(line.found, kNeededFields, patient_id.c_str())) continue;
     if (ImportAdmission(line, patient_id)) ++imported;
   }

@@ -51,12 +51,11 @@ int WriteImportNote(const PatientRecord& patient) {
               "Record number: %s\n"
               "Species: %s\n",
               patient.patient_id.c_str(), patient.species.c_str());
-  EscapeSql(note);
-  return InsertRecordEntry(patient.id, note.c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0');
+  return InsertRecordEntry(patient.id, EscapeSqlText(note).c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0');
 }
 
 // Writes the patient, its owner and the import note; true when all three
-// were written. The owner is sent as the register has it (unescaped).
+// were written. The owner's name and phone land as the register has them.
 bool WritePatient(PatientRecord& patient, const PatientFinderInfo& finder) {
   const char* id = patient.patient_id.c_str();
   if (!InsertPatientWithFinder(patient, finder)) return false;

@@ -76,10 +76,7 @@ void WriteProblems(const KwrcLine& line, const PatientRecord& patient) {
     separators = ",";
     Text<128> problem{};
     problem = piece;
-    Text<256> escaped{};
-    escaped = problem;
-    EscapeSql(escaped);
-    if (InsertProblem(patient.id, escaped.c_str(), 0, "") < 0) {
+    if (InsertProblem(patient.id, problem.c_str(), 0, "") < 0) {
       std::printf("Unable to create problem record for '%s'\n", patient.patient_id.c_str());
     }
   }
@@ -95,7 +92,7 @@ int WriteSummaryEntry(const KwrcLine& line, const PatientRecord& patient) {
                summary.c_str());
   Text<32> date{};
   date.Format("%s 12:00:00", patient.admission_date.c_str());
-  return InsertRecordEntry(patient.id, notes.c_str(), date.c_str(), "NA", 0, 0, "NA", '0');
+  return InsertRecordEntry(patient.id, EscapeSqlText(notes).c_str(), date.c_str(), "NA", 0, 0, "NA", '0');
 }
 
 int WriteRelease(const KwrcLine& line, const PatientRecord& patient, int record_entry_id) {
@@ -262,12 +259,12 @@ int ImportKwrcYear(int year) {
   std::string text;
   reader.ReadLine(text);  // header
   while (reader.ReadLine(text)) {
+    if (IsEmptyLine(text)) continue;  // an empty line holds no case; any other goes through
     Tokenizer tokenizer(text);
     KwrcLine line{};
     int found = TakeFields(tokenizer, line.field + 1, kFieldCount, "\t\r\n", "\t\r\n");
-    if (found == 0) continue;  // a blank line holds no case
     if (line.field[9] != nullptr) TrimRight(line.field[9]);
-    std::printf("%s\n", line.case_number());
+    std::printf("%s\n", found > 0 ? line.case_number() : "");
     if (!HasFields(found, kFieldCount, line.case_number())) continue;
     if (ImportCase(line)) ++imported;
   }

@@ -50,7 +50,6 @@ bool WriteProblems(const char* list, const PatientRecord& patient) {
     if (std::strlen(piece) <= 2) continue;
     Text<260> problem{};
     problem = piece;
-    EscapeSql(problem);
     if (InsertProblem(patient.id, problem.c_str(), 0, "") < 0) {
       std::printf("\tERROR - Unable to create problem record for patient '%s'!\n", patient.patient_id.c_str());
       written = false;
@@ -187,7 +186,7 @@ int ImportUprcPatients(int year) {
   std::string text;
   reader.ReadLine(text);  // header
   while (reader.ReadLine(text)) {
-    if (IsBlank(text)) continue;  // a blank line holds no patient
+    if (IsEmptyLine(text)) continue;  // an empty line holds no patient; any other goes through
     Tokenizer tokenizer(text);
     char* column[kUprcColumnCount];
     int found = TakeFields(tokenizer, column, kUprcColumnCount, "\t", "\t\r\n");
