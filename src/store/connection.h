@@ -72,26 +72,6 @@ char* EscapeSql(char* text);
 // nothing of the text is ever cut. What the jobs use for record entry notes.
 std::string EscapeSqlText(std::string_view text);
 
-// Escapes `text` into the field; when the escaped form does not fit, it is cut
-// before the escape sequence that would not fit, so the result stays a safe
-// literal. It shortens a text that holds quotes: the jobs do not use it (the
-// store escapes their texts while formatting, into the growing statement).
-template <std::size_t N>
-void EscapeSql(Text<N>& text) {
-  std::string escaped = EscapeSqlText(text.view());
-  std::size_t keep = escaped.size() < N - 1 ? escaped.size() : N - 1;
-  // Never keep the first half of a backslash pair.
-  std::size_t safe_end = 0;
-  for (std::size_t i = 0; i < keep; ++i) {
-    if (escaped[i] == '\\') {
-      if (i + 1 == keep) break;
-      ++i;
-    }
-    safe_end = i + 1;
-  }
-  text.Assign(std::string_view(escaped).substr(0, safe_end));
-}
-
 // Selects the statement calls below that escape every text of the statement
 // as it is formatted (SqlTexts::kEscape): ExecuteSql(kEscapeTexts, "...", {...}).
 // The row operations of the store and the jobs' own statements use them, so
