@@ -75,10 +75,6 @@ void WriteMeasurement(ZooImport& job, const XmlNode* record) {
     return;
   }
   std::string entry_date = MeasurementEntryDate(measurement_date);
-  if (!IsExportDate(entry_date)) {
-    std::printf("\tERROR: Processing measurements - invalid date '%s' for GAN=%s\n", measurement_date, gan);
-    return;
-  }
 
   std::string text;
   BiometricRecord biometric{};
@@ -120,10 +116,6 @@ void WriteMove(ZooImport& job, const LocationNames& locations, const XmlNode* re
   AnimalRun run;
   if (!job.animals.FindAnimalRun(local_id, run)) {
     std::printf("\tERROR: Processing moves - cannot find '%s'\n", local_id);
-    return;
-  }
-  if (!IsExportDate(moved_in)) {
-    std::printf("\tERROR: Processing moves - invalid date '%s' for '%s'\n", moved_in, local_id);
     return;
   }
   // Kept whole: the name goes into the entry text and the messages, not into a field.
