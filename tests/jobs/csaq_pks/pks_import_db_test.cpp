@@ -261,4 +261,39 @@ TEST_F(PksImportTest, DatesAreTakenAsTheyStand) {
                                       "Total=0, M=0, F=0, UNK=0|2016-02-01 00:00:00"}));
 }
 
+// A move to "Falls Lake" finds the lake's row whether the enclosure import
+// wrote it (named "Falls Lake Reservoir", described "Falls Lake") or the
+// application holds a location described "Falls Lake Reservoir", which is
+// preferred as before.
+TEST_F(PksImportTest, MoveToFallsLakeFindsTheLake) {
+  const std::string lake = Field("Enclosure", "Falls Lake") + Field("Identifier", "Falls Lake") +
+                           Field("Category", "Aquatic") + Field("Type", "Exhibit");
+  struct Case {
+    const char* entered;  // a location row of the application, or ""
+    const char* location;
+  };
+  const Case cases[] = {
+      {"", "Falls Lake Reservoir"},
+      {"insert into location(name,description) values ('FLR','Falls Lake Reservoir')", "FLR"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.location);
+    TearDown();
+    SetUp();
+    std::string dir = MakeTempDir();
+    WriteIni(dir);
+    if (c.entered[0] != '\0') Exec(c.entered);
+    WriteFile(dir + "/EnclosureTree.xml", Table("EnclosureTree", {lake}));
+    EXPECT_EQ(RunJob(dir, "habitats"), "CSAQ_PKS - habitats - 2015\nProcessed 1 enclosures\n");
+    WriteExports(dir, {{"Animals", {Field("Local_ID", "A1") + Field("TaxonInfo", "Fish/Pigfish")}},
+                       {"EnclosureMoves", {Field("Local_ID", "A1") + Field("EnclosureName", "Falls Lake") +
+                                           Field("MovedInDate", "2012-07-20")}}});
+    std::string log = RunJob(dir, "patient");
+    EXPECT_NE(log.find("\tWARNING: Modifying location: 'Falls Lake'\n"), std::string::npos) << log;
+    EXPECT_EQ(log.find("Can't find name"), std::string::npos) << log;
+    EXPECT_EQ(Value("select location from patient"), c.location);
+    EXPECT_EQ(Value("select notes from record_entry"), "Move To: Falls Lake Reservoir");
+  }
+}
+
 }  // namespace
