@@ -188,11 +188,6 @@ void WriteCensusCount(ZooImport& job, const XmlNode* record) {
     return;
   }
   if (!ReadCounts(record, count)) return;
-  if (!IsExportDate(count.census_date)) {
-    std::printf("\tERROR: Processing census counts - invalid date '%s' for '%s'\n", count.census_date,
-                count.local_id);
-    return;
-  }
   bool group_patient = (job.animals[run.first].patient.flags & kFlagGroupOfAnimals) != 0;
   if (count.male == 0 && count.female == 0 && count.other == 0 && count.change == 0) return;
   const char* method = XmlChildText(record, "CensusMethodType");

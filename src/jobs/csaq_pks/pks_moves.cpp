@@ -19,6 +19,9 @@ namespace {
 
 constexpr int kLineWidth = 80;
 
+constexpr const char* kFallsLake = "Falls Lake";
+constexpr const char* kFallsLakeReservoir = "Falls Lake Reservoir";
+
 bool HasText(const char* text) { return text != nullptr && text[0] != '\0'; }
 
 // ---------------------------------------------------------------------------
@@ -75,10 +78,6 @@ void WriteMeasurement(ZooImport& job, const XmlNode* record) {
     return;
   }
   std::string entry_date = MeasurementEntryDate(measurement_date);
-  if (!IsExportDate(entry_date)) {
-    std::printf("\tERROR: Processing measurements - invalid date '%s' for GAN=%s\n", measurement_date, gan);
-    return;
-  }
 
   std::string text;
   BiometricRecord biometric{};
@@ -122,16 +121,13 @@ void WriteMove(ZooImport& job, const LocationNames& locations, const XmlNode* re
     std::printf("\tERROR: Processing moves - cannot find '%s'\n", local_id);
     return;
   }
-  if (!IsExportDate(moved_in)) {
-    std::printf("\tERROR: Processing moves - invalid date '%s' for '%s'\n", moved_in, local_id);
-    return;
-  }
   // Kept whole: the name goes into the entry text and the messages, not into a field.
   std::string enclosure = enclosure_name;
   // The lake's location row carries its full name.
-  if (enclosure == "Falls Lake") {
+  bool falls_lake = enclosure == kFallsLake;
+  if (falls_lake) {
     std::printf("\tWARNING: Modifying location: '%s'\n", enclosure.c_str());
-    enclosure = "Falls Lake Reservoir";
+    enclosure = kFallsLakeReservoir;
   }
   DropFirstApostrophe(enclosure);
 
@@ -146,6 +142,9 @@ void WriteMove(ZooImport& job, const LocationNames& locations, const XmlNode* re
   std::string entry_date = std::string(moved_in) + " 12:00:00";
 
   const char* location = locations.FindLocationNameByDescription(enclosure.c_str());
+  // The enclosure import gives the lake's row the full name and keeps the
+  // export's "Falls Lake" as its description: the move finds it by name.
+  if (location == nullptr && falls_lake) location = locations.FindLocationName(kFallsLakeReservoir);
   for (int position = run.first; position <= run.last; ++position) {
     const AnimalRecord& animal = job.animals[position];
     if (InsertRecordEntry(PatientKey(animal), text.c_str(), entry_date.c_str(), who.c_str(), 0, 0, "NA", '0') < 1) {

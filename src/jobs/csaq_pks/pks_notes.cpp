@@ -35,10 +35,14 @@ bool IsGeneralNote(const char* note_type) {
   return false;
 }
 
+// The records system writes "~ Undetermined" where it knows no date.
+bool IsUndated(const char* note_date) {
+  return note_date == nullptr || std::strcmp(note_date, "~ Undetermined") == 0;
+}
+
 // A note's NoteDate as a date, empty when it is missing or undetermined.
 Text<11> EventDate(const char* note_date) {
-  if (note_date == nullptr || std::strcmp(note_date, "~ Undetermined") == 0) return Text<11>{};
-  return StripDateQualifier(note_date);
+  return IsUndated(note_date) ? Text<11>{} : StripDateQualifier(note_date);
 }
 
 // ---------------------------------------------------------------------------
@@ -120,11 +124,6 @@ void ReadNoteEvent(ZooImport& job, const XmlNode* record) {
   const char* note_date = XmlChildText(record, "NoteDate");
   Text<11> date = EventDate(note_date);
   NoteEvent event = FindNoteEvent(note_type);
-  bool dated = event != NoteEvent::kNone && event != NoteEvent::kUnknown;
-  if (dated && !date.empty() && !IsExportDate(date)) {
-    std::printf("\tERROR: Processing notes - invalid date '%s'\n", note_date);
-    return;
-  }
   const char* comment = XmlChildText(record, "Comment");
   for (int position = run.first; position <= run.last; ++position) {
     AnimalRecord& animal = job.animals[position];
@@ -267,13 +266,14 @@ void WriteNoteEntry(ZooImport& job, const XmlNode* record) {
     std::printf("\tERROR: Processing notes - cannot find '%s'\n", note.local_id);
     return;
   }
+  // Only a note without a date is left out; any other date text goes to
+  // the server as it stands.
   const char* note_date = XmlChildText(record, "NoteDate");
-  Text<11> date = EventDate(note_date);
-  if (!IsExportDate(date)) {
+  if (IsUndated(note_date)) {
     std::printf("\tERROR: Processing notes - invalid date '%s'\n", Shown(note_date));
     return;
   }
-  note.entry_date.Format("%s 12:00:00", date.c_str());
+  note.entry_date.Format("%s 12:00:00", StripDateQualifier(note_date).c_str());
   note.keywords = XmlChildText(record, "Keywords");
   note.comment = XmlChildText(record, "Comment");
   note.sub_type = XmlChildText(record, "NoteSubType");
