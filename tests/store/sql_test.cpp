@@ -66,7 +66,7 @@ TEST(SqlStatementTest, SplitsVerbTableAndCondition) {
       {"update enrichment set what='it''s where' where id=4;", "update", "enrichment", "id=4"},
       {"update cbc set pcv=3", "update", "cbc", ""},
       {"delete from db.transfers where id = 2 ;", "delete", "transfers", "id = 2"},
-      {"update record_entry set notes='back\\\\' where x' where id=9;", "update", "record_entry", "id=9"},
+      {"update record_entry set notes='back\\' where x' where id=9;", "update", "record_entry", "id=9"},
       {"select id from patient where id=1", "select", "", ""},
   };
   for (const auto& c : cases) {
