@@ -1,6 +1,8 @@
 #include "driver/safe_run.h"
 
+#include <signal.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
@@ -22,6 +24,23 @@ namespace {
 SafeRunOptions g_run;
 std::unique_ptr<RunJournal> g_journal;
 bool g_transaction = false;
+
+// The journal's descriptor while a run writes, for the interrupt handler.
+volatile sig_atomic_t g_journal_fd = -1;
+
+// Ctrl-C or a stop request: the journal says so on a line of its own (what
+// is still in its buffer was not sent), then the signal ends the program as
+// it would have. An atomic run's transaction dies with the connection.
+void OnInterrupt(int signal_number) {
+  int fd = g_journal_fd;
+  if (fd >= 0) {
+    static const char kEnd[] = "\nend\tinterrupted\n";
+    ssize_t ignored = write(fd, kEnd, sizeof kEnd - 1);
+    (void)ignored;
+  }
+  ::signal(signal_number, SIG_DFL);
+  ::raise(signal_number);
+}
 
 std::string LocalTime() {
   std::time_t now = std::time(nullptr);
@@ -153,6 +172,9 @@ int BeginSafeRun(const SafeRunOptions& options, const JobDescription& job, const
       return kExitRefused;
     }
     std::fprintf(stderr, "Journal of this run: %s\n", path.c_str());
+    g_journal_fd = g_journal->FileDescriptor();
+    ::signal(SIGINT, OnInterrupt);
+    ::signal(SIGTERM, OnInterrupt);
     g_journal->Record({"# CorvanaDataImporter journal: one record per line, fields separated by tabs"});
     g_journal->Record({"journal", "1"});
     g_journal->Record({"server", target.server});
@@ -194,6 +216,7 @@ int EndSafeRun(std::string& summary_note) {
   }
   SetWriteObserver(nullptr);
   if (g_journal && exit_code == 0) g_journal->Finish("completed", LocalTime());
+  g_journal_fd = -1;
   g_journal.reset();
   return exit_code;
 }

@@ -76,7 +76,7 @@ bool LoadJournal(const std::vector<JournalRecord>& records, std::vector<UndoTabl
     const std::string& kind = record[0];
     if (kind == "server" && record.size() > 1) server = record[1];
     if (kind == "database" && record.size() > 1) database = record[1];
-    if (kind == "end") ended = true;
+    if (kind == "end") ended = record.size() > 1 && record[1] == "completed";
     if (kind == "undone" && record.size() > 1) undone = record[1];
     if (record.size() < 3) continue;
     if (kind == "table" && find(record[1]) == nullptr) {
@@ -97,16 +97,13 @@ bool LoadJournal(const std::vector<JournalRecord>& records, std::vector<UndoTabl
       } else {
         table->inserted.push_back(key);
       }
-    } else if ((kind == "~" || kind == "-") && table->before.count(key) == 0 && record.size() > 3) {
+    } else if ((kind == "~" || kind == "-") && table->before.count(key) == 0 &&
+               record.size() == table->columns.size() + 3) {
+      // (A shorter one was cut by an interrupt before its statement was sent.)
       table->changed.push_back(key);
       table->before[key] = JournalRecord(record.begin() + 3, record.end());
     } else if (kind == "=" && record.size() > 3) {
       table->left[key] = record[3];
-    }
-  }
-  for (const UndoTable& table : tables) {
-    for (const auto& [key, values] : table.before) {
-      if (values.size() != table.columns.size()) return false;
     }
   }
   return true;
@@ -253,7 +250,8 @@ int UndoRun(const std::string& path, bool force, const ConnectionTarget& target)
     }
   }
   if (!ended) {
-    std::fprintf(stderr, "The journal has no end: the run was killed; it is undone from the rows it holds\n");
+    std::fprintf(stderr, "The run did not complete (killed, interrupted or rolled back); it is undone from the rows "
+                 "its journal holds\n");
   }
   if (unchecked > 0) {
     std::fprintf(stderr, "%llu rows cannot be checked: the run ended before it recorded how it left them\n",

@@ -24,7 +24,7 @@
 //                                         it (no values when an earlier ~ has them)
 //   =        TABLE KEY CHECKSUM           how the run left a row it wrote
 //                                         (empty checksum: the row is gone)
-//   end      HOW TIME                     "completed", "lost connection", ...
+//   end      HOW [TIME]                   "completed", "interrupted", "lost connection, ...
 //   undone   TIME [forced]
 //
 // For a table without a single-column key, KEY is the empty text and the
@@ -91,6 +91,9 @@ class RunJournal : public WriteObserver {
 
   // Records only the end, without reading the database (it is gone).
   void FinishWithoutRows(const std::string& how, const std::string& time);
+
+  // The file's descriptor, for a signal handler's last record; -1 when closed.
+  int FileDescriptor() const { return file_ != nullptr ? fileno(file_) : -1; }
 
  private:
   struct Table {

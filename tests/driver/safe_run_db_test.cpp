@@ -92,11 +92,12 @@ class SafeRunTest : public DatabaseTest {
     return pid;
   }
 
-  // Waits until the journal of the run holds `rows` inserted rows.
-  void WaitForJournalRows(int rows) {
+  // Waits until the journal of the run just started (the one beyond the
+  // `earlier` journals) holds `rows` inserted rows.
+  void WaitForJournalRows(int rows, std::size_t earlier) {
     for (int waited = 0; waited < 6000; ++waited) {
       std::vector<std::string> journals = Journals(dir_);
-      if (!journals.empty() && CountLines(ReadFile(journals.back()), "+\t") >= rows) return;
+      if (journals.size() > earlier && CountLines(ReadFile(journals.back()), "+\t") >= rows) return;
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     FAIL() << "the run never journalled " << rows << " rows";
@@ -148,7 +149,7 @@ TEST_P(DryRunTest, LogsLikeARealRunAndChangesNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, DryRunTest, ::testing::ValuesIn(kSampleJobs),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& param) { return std::string(param.param.name); });
 
 TEST_F(SafeRunTest, DryRunOfARepairAndRefusals) {
   Exec("insert into record_entry (id,notes) values (1,'" + std::string(85, 'x') + " tail')");
@@ -177,7 +178,7 @@ TEST_F(SafeRunTest, AtomicRunKilledLeavesNoRow) {
   WriteFile(dir_ + "/KWRC_2012.txt", KwrcYear(3000));
   const std::vector<std::string> before = Checksums();
   pid_t pid = Start(With(kKwrc, "-atomic"));
-  WaitForJournalRows(300);
+  WaitForJournalRows(300, 0);
   kill(pid, SIGKILL);
   EXPECT_EQ(Wait(pid), -SIGKILL);
   EXPECT_EQ(Checksums(), before);
@@ -198,7 +199,7 @@ TEST_F(ServerKillTest, AtomicRunLosingItsServerStopsAndLeavesNoRow) {
   WriteFile(dir_ + "/KWRC_2012.txt", KwrcYear(3000));
   const std::vector<std::string> before = Checksums();
   pid_t pid = Start(With(kKwrc, "-atomic"));
-  WaitForJournalRows(300);
+  WaitForJournalRows(300, 0);
   server_under_test_.Kill();
   EXPECT_EQ(Wait(pid), 3);  // at once: no waiting for the server
   EXPECT_NE(ReadFile(dir_ + "/stderr").find("nothing of this run was written"), std::string::npos)
@@ -219,12 +220,14 @@ TEST_F(SafeRunTest, UndoRestoresEveryTable) {
     const char* name;
     Args args;
     int cases;    // of the KWRC file
-    int kill_at;  // journalled rows after which the run is killed; 0 lets it end
+    int kill_at;  // journalled rows after which the run is stopped; 0 lets it end
+    int signal_number;
   } runs[] = {
-      {"import", kKwrc, 20, 0},
-      {"repair", {"-org", "x", "-type", "fixLineLengths", "-year", "0"}, 0, 0},
-      {"other repair", {"-org", "x", "-type", "fixTransfers", "-year", "0"}, 0, 0},
-      {"killed import", kKwrc, 3000, 200},
+      {"import", kKwrc, 20, 0, 0},
+      {"repair", {"-org", "x", "-type", "fixLineLengths", "-year", "0"}, 0, 0, 0},
+      {"other repair", {"-org", "x", "-type", "fixTransfers", "-year", "0"}, 0, 0, 0},
+      {"killed import", kKwrc, 3000, 200, SIGKILL},
+      {"interrupted import", kKwrc, 3000, 100, SIGINT},
   };
   for (const auto& run : runs) {
     SCOPED_TRACE(run.name);
@@ -236,11 +239,13 @@ TEST_F(SafeRunTest, UndoRestoresEveryTable) {
       ASSERT_EQ(done.exit_code, 0) << done.errors;
       journal = done.journal;
     } else {
+      std::size_t earlier = Journals(dir_).size();
       pid_t pid = Start(With(run.args, "-again"));
-      WaitForJournalRows(run.kill_at);
-      kill(pid, SIGKILL);
-      Wait(pid);
+      WaitForJournalRows(run.kill_at, earlier);
+      kill(pid, run.signal_number);
+      EXPECT_EQ(Wait(pid), -run.signal_number);
       journal = Journals(dir_).back();
+      EXPECT_EQ(ReadFile(journal).find("\nend\tinterrupted\n") != std::string::npos, run.signal_number == SIGINT);
     }
     EXPECT_NE(Checksums(), before);
     ProgramRun undo = RunProgram(dir_, {"-undo", journal});
