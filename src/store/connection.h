@@ -95,6 +95,60 @@ inline constexpr EscapeTexts kEscapeTexts{};
 int ExecuteSql(const char* statement, std::initializer_list<SqlArg> args);
 int ExecuteSql(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args);
 
+// Every statement that writes a table, as the store sends it: the journal
+// of a run watches them through this interface.
+class WriteObserver {
+ public:
+  virtual ~WriteObserver() = default;
+  // Called before the statement is sent. Returning false refuses it (it is
+  // not sent and fails with `why`). It may read the database (QueryDirect).
+  virtual bool BeforeWrite(const StatementParts& parts, std::string& why) = 0;
+  // Called right after the server accepted it, with the rows it changed and
+  // the key it created (0 for none). It must not send anything, so that
+  // LastInsertId() still answers for the statement.
+  virtual void AfterWrite(const StatementParts& parts, unsigned long long affected, long long insert_id) = 0;
+};
+
+// Watches every write from now on (nullptr stops watching). The observer
+// must outlive the watching.
+void SetWriteObserver(WriteObserver* observer);
+
+// Opens the one transaction that holds the rest of the run (a dry run or an
+// atomic run). From then on the connection is not made again when it drops
+// (a new session would write outside the transaction and the server has
+// already rolled it back), and a statement that would end the transaction
+// by itself (DDL, LOCK TABLES, COMMIT, ...) or write a table that is not
+// transactional is refused. Returns 0, or 1 when the server refused (see
+// LastDbError).
+int BeginRunTransaction();
+
+// Commits (`commit`) or rolls back the run's transaction. Returns 0, or 1
+// when the server did not confirm it (see LastDbError).
+int EndRunTransaction(bool commit);
+
+// Called, instead of waiting for the server, when the connection drops while
+// the run's transaction is open: everything the run wrote is gone, so the
+// handler ends the run. `why` is the library's message.
+void SetTransactionLostHandler(void (*handler)(const char* why));
+
+// The first of `tables` (that the database holds) whose engine cannot roll
+// back (anything but InnoDB), as "name (engine)"; "" when all can. Missing
+// tables are not reported: their statements fail anyway.
+std::string FirstNonTransactionalTable(const std::vector<std::string>& tables);
+
+// Sends `sql` as it is, outside the run's statement counts, and takes its
+// whole result (an empty SqlResult on failure or for no result set). For the
+// store's own reads (the journal's before-images, undo); it waits for a lost
+// server like QuerySql.
+class SqlResult;
+SqlResult QueryDirect(const std::string& sql);
+
+// The same for a statement without a result. Returns 0 on success.
+int ExecuteDirect(const std::string& sql);
+
+// The rows the last statement changed.
+unsigned long long AffectedRows();
+
 // What the statements of this run did: how many were sent and how many
 // failed (refused before sending included), and per table the rows that the
 // successful ones inserted, updated and deleted (as the server counted them).
@@ -137,6 +191,12 @@ class SqlResult {
   // Column `index` of `row`, the row NextRow returned last, with all its
   // bytes (a NUL byte inside the text included); empty for a null column.
   std::string_view ColumnBytes(MYSQL_ROW row, unsigned index) const;
+
+  // The columns: how many, their names, and the byte lengths of the row
+  // NextRow() returned last (texts may hold zero bytes).
+  unsigned FieldCount() const { return result_ != nullptr ? mysql_num_fields(result_) : 0; }
+  const char* FieldName(unsigned i) const { return mysql_fetch_fields(result_)[i].name; }
+  unsigned long* Lengths() const { return mysql_fetch_lengths(result_); }
 
   // How many rows the result holds (0 for none).
   unsigned long long size() const { return result_ != nullptr ? mysql_num_rows(result_) : 0; }

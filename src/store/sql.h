@@ -17,6 +17,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 #include "util/text.h"
 
@@ -80,3 +81,22 @@ void AppendEscapedSql(std::string& out, std::string_view text);
 // True when `value` can stand between single quotes without ending the
 // literal: every quote is escaped (\' or '') and no backslash is left dangling.
 bool IsSafeLiteral(std::string_view value);
+
+// What a statement does, as far as the run's safety needs to know: its verb
+// (lower case: "insert", "update", "select", ...), the table it writes (as
+// written, without backquotes; empty for statements that write none), and
+// for an UPDATE or DELETE the text of its WHERE condition (empty when it has
+// none), without a trailing ';'. Quoted texts are skipped, so a "where"
+// inside a value is not taken for the keyword.
+struct StatementParts {
+  std::string verb;
+  std::string table;
+  std::string where;
+  bool has_order_or_limit = false;  // the condition is followed by ORDER BY or LIMIT
+};
+
+StatementParts SplitStatement(std::string_view statement);
+
+// True when the statement would end an open transaction by itself (DDL, LOCK
+// TABLES, COMMIT, SET autocommit, ...): a dry run or an atomic run refuses it.
+bool CommitsImplicitly(const StatementParts& parts, std::string_view statement);

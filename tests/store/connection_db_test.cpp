@@ -78,6 +78,23 @@ TEST_F(ConnectionTest, QueryResults) {
   EXPECT_FALSE(QuerySql("select nonsense from nowhere;", {}));
 }
 
+// Inside the run's transaction a statement that would commit it is refused
+// unsent, a failing statement fails alone, and a rollback takes back the rest.
+TEST_F(ConnectionTest, RunTransactionRefusesImplicitCommits) {
+  ASSERT_EQ(BeginRunTransaction(), 0);
+  EXPECT_EQ(ExecuteSql("insert into settings(category,value) values ('a','1');", {}), 0);
+  EXPECT_NE(ExecuteSql("insert into no_such_table values (1);", {}), 0);
+  for (const char* statement : {"create table x (a int);", "commit;", "lock tables settings write;"}) {
+    EXPECT_EQ(ExecuteSql(statement, {}), 1) << statement;
+    EXPECT_NE(std::string(LastDbError()).find("would end the run's transaction"), std::string::npos) << LastDbError();
+  }
+  EXPECT_EQ(QueryInt("select count(*) from settings;", {}, -1), 1);
+  EXPECT_EQ(Value("select count(*) from settings"), "0");  // not committed
+  EXPECT_EQ(EndRunTransaction(false), 0);
+  EXPECT_EQ(QueryInt("select count(*) from settings;", {}, -1), 0);
+  EXPECT_EQ(Rows("show tables like 'x'").size(), 0u);
+}
+
 using ConnectionOnStockServerTest = OnStockServer<ConnectionTest>;
 
 // The session runs in the permissive mode, also after the library reconnected

@@ -75,3 +75,47 @@ TEST(SqlFormatTest, EscapesTextsInsideLiteralsOnceWhenAsked) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(SqlStatementTest, SplitsVerbTableAndCondition) {
+  const struct {
+    const char* statement;
+    const char* verb;
+    const char* table;
+    const char* where;
+  } cases[] = {
+      {"insert into patient(patient_id,name) values ('2012-0001','x');", "insert", "patient", ""},
+      {"INSERT INTO `addressBook` (org) values (17)", "insert", "addressBook", ""},
+      {"update patient set name='a where b' where patient_id='2012-0001';", "update", "patient",
+       "patient_id='2012-0001'"},
+      {"update patient set location='' where status != 'PR'", "update", "patient", "status != 'PR'"},
+      {"update enrichment set what='it''s where' where id=4;", "update", "enrichment", "id=4"},
+      {"update cbc set pcv=3", "update", "cbc", ""},
+      {"delete from db.transfers where id = 2 ;", "delete", "transfers", "id = 2"},
+      {"update record_entry set notes='back\\' where x' where id=9;", "update", "record_entry", "id=9"},
+      {"select id from patient where id=1", "select", "", ""},
+  };
+  for (const auto& c : cases) {
+    StatementParts parts = SplitStatement(c.statement);
+    EXPECT_EQ(parts.verb, c.verb) << c.statement;
+    EXPECT_EQ(parts.table, c.table) << c.statement;
+    EXPECT_EQ(parts.where, c.where) << c.statement;
+  }
+  EXPECT_TRUE(SplitStatement("update t set a=1 where b=2 order by c limit 1").has_order_or_limit);
+  EXPECT_EQ(SplitStatement("update t set a=1 where b=2 order by c limit 1").where, "b=2");
+}
+
+TEST(SqlStatementTest, StatementsThatEndATransaction) {
+  for (const char* statement : {"create table x (a int)", "DROP TABLE x", "alter table patient add x int",
+                                "truncate patient", "lock tables patient write", "commit", "ROLLBACK",
+                                "start transaction", "set autocommit=1", "SET @@autocommit = 1", "rename table a to b"}) {
+    EXPECT_TRUE(CommitsImplicitly(SplitStatement(statement), statement)) << statement;
+  }
+  for (const char* statement : {"insert into species (abbrev) values ('create')", "update t set a='drop'",
+                                "select * from patient", "set @x = 1", "delete from t where id=1"}) {
+    EXPECT_FALSE(CommitsImplicitly(SplitStatement(statement), statement)) << statement;
+  }
+}
+
+}  // namespace
