@@ -14,7 +14,7 @@ bool InsertPatientWithFinder(PatientRecord& patient, const PatientFinderInfo& fi
     std::printf("\tERROR - Unable to create patient record for '%s'\n", shown_as);
     return false;
   }
-  if (UpdatePatientFinderInfo(patient_id, finder) != 0) {
+  if (UpdatePatientFinderInfoByKey(patient.id, finder) != 0) {
     std::printf("\tERROR - Unable to update patient finder info for '%s'\n", shown_as);
     return false;
   }

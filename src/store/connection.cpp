@@ -26,6 +26,7 @@ std::string g_sql_mode_notice;
 // Set when the server stayed away past the limit: from then on statements
 // fail at once, as they would without waiting, until one gets through.
 bool g_gave_up_waiting = false;
+unsigned g_connections = 0;
 
 StatementTally g_tally;
 
@@ -290,8 +291,11 @@ int ConnectDatabase(const char* server, const char* database, const char* user, 
     return 1;
   }
   UseCorvanaSqlMode();
+  ++g_connections;
   return 0;
 }
+
+unsigned ConnectionCount() { return g_connections; }
 
 const char* ConnectionCipher() {
   const char* cipher = mysql_get_ssl_cipher(&g_connection);

@@ -40,6 +40,11 @@ struct ConnectOptions {
 int ConnectDatabase(const char* server, const char* database, const char* user, const char* password, int port,
                     const ConnectOptions& options = {});
 
+// How many connections ConnectDatabase has opened in this process: lets a
+// store operation that keeps rows it read know when they belong to an
+// earlier connection (another database).
+unsigned ConnectionCount();
+
 // The TLS cipher of the connection, or "" when it is not encrypted.
 const char* ConnectionCipher();
 

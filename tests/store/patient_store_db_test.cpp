@@ -98,4 +98,34 @@ TEST_F(PatientStoreTest, LookUpsLocationAndFlags) {
             (std::vector<std::string>{std::to_string(others) + "|", "0|Mews 3", "0|"}));
 }
 
+// Rows that share a case number (as the server compares it: any letter case,
+// trailing blanks) are each written by their key alone, and the operator is
+// told once per case number when an insert or a look-up meets another row.
+TEST_F(PatientStoreTest, SharedCaseNumbersAreNotedAndRowsWrittenByKey) {
+  Exec("insert into patient(patient_id,location) values ('AB-1','Mews 1')");
+  const std::string resident = Value("select id from patient");
+  testing::internal::CaptureStderr();
+  PatientRecord first = NewPatient("ab-1 ");
+  PatientRecord second = NewPatient("AB-1");
+  PatientRecord other = NewPatient("AB-2");
+  ASSERT_EQ(InsertPatient(first), 0) << LastDbError();
+  ASSERT_EQ(InsertPatient(second), 0) << LastDbError();
+  ASSERT_EQ(InsertPatient(other), 0) << LastDbError();
+  EXPECT_EQ(GetPatientKey("AB-1"), std::stoi(resident));
+  EXPECT_EQ(GetPatientKey("ab-1"), std::stoi(resident));
+  EXPECT_EQ(GetPatientKey("AB-2"), other.id);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Note: case number 'ab-1 ' was already held by patient row " + resident + "; the new patient row " +
+                std::to_string(first.id) + " has it too\n" +
+                "Note: 3 patient rows hold case number 'AB-1'; using row " + resident +
+                ", the first the server returned\n");
+
+  PatientFinderInfo finder{};
+  finder.found_hx = "on the beach";
+  EXPECT_EQ(UpdatePatientFinderInfoByKey(first.id, finder), 0) << LastDbError();
+  EXPECT_EQ(SetPatientLocationByKey(first.id, "Tank 2"), 0) << LastDbError();
+  EXPECT_EQ(Rows("select found_hx,location from patient order by id"),
+            (std::vector<std::string>{"|Mews 1", "on the beach|Tank 2", "|", "|"}));
+}
+
 }  // namespace

@@ -134,6 +134,7 @@ void DisposeIndividuals(ZooImport& job, const AnimalRun& run, const CensusCount&
     AnimalRecord& animal = job.animals[position];
     if (animal.patient.status != "PR") continue;
     ++handled;
+    if (animal.refused) continue;
     DisposeAnimal(animal, InsertCensusEntry(animal, "", count), count, false);
   }
 }
@@ -209,7 +210,7 @@ void WriteCensusCount(ZooImport& job, const XmlNode* record) {
   std::printf("%s %s %s - %d %d %d - %d - %s %d\n", count.local_id, count.census_date, count.method.c_str(),
               count.male, count.female, count.other, count.group, count.type.c_str(), count.change);
   if (group_patient) {
-    RecordGroupCount(job.animals[run.first], count);
+    if (!job.animals[run.first].refused) RecordGroupCount(job.animals[run.first], count);
   } else {
     DisposeIndividuals(job, run, count);
   }

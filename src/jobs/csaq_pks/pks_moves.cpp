@@ -93,6 +93,7 @@ void WriteMeasurement(ZooImport& job, const XmlNode* record) {
   who = HasText(measured_by) ? measured_by : "NA";
 
   // A group's measurement is taken once: it goes on the first animal only.
+  if (job.animals[run.first].refused) return;
   int entry_id = InsertRecordEntry(PatientKey(job.animals[run.first]), text.c_str(), entry_date.c_str(),
                                    who.c_str(), biometric.weight, 0, "NA", '0');
   if (entry_id < 0) {
@@ -147,13 +148,14 @@ void WriteMove(ZooImport& job, const LocationNames& locations, const XmlNode* re
   if (location == nullptr && falls_lake) location = locations.FindLocationName(kFallsLakeReservoir);
   for (int position = run.first; position <= run.last; ++position) {
     const AnimalRecord& animal = job.animals[position];
+    if (animal.refused) continue;
     if (InsertRecordEntry(PatientKey(animal), text.c_str(), entry_date.c_str(), who.c_str(), 0, 0, "NA", '0') < 1) {
       std::printf("\tERROR: Processing move to '%s' for '%s' '%s'\n", enclosure.c_str(), local_id,
                   entry_date.c_str());
     }
     if (location == nullptr) {
       std::printf("\tERROR: Can't find name for enclosure '%s'\n", enclosure.c_str());
-    } else if (SetPatientLocation(animal.patient.patient_id.c_str(), location) != 0) {
+    } else if (SetPatientLocationByKey(PatientKey(animal), location) != 0) {
       std::printf("\tERROR: Processing move to '%s' for '%s' - can't update location\n", location, local_id);
     }
   }

@@ -188,6 +188,7 @@ int InsertNoteEntry(const AnimalRecord& animal, const char* text, const Note& no
 void InsertTextEntries(ZooImport& job, const AnimalRun& run, const char* text, const Note& note,
                        const char* entry_kind) {
   for (int position = run.first; position <= run.last; ++position) {
+    if (job.animals[position].refused) continue;
     if (InsertNoteEntry(job.animals[position], text, note) < 1) {
       std::printf("\tERROR: Creating %s for '%s'\n", entry_kind, note.local_id);
     }
@@ -204,6 +205,7 @@ void PrepareNoteText(std::string& text) {
 void InsertReleases(ZooImport& job, const AnimalRun& run, const Note& note) {
   for (int position = run.first; position <= run.last; ++position) {
     const AnimalRecord& animal = job.animals[position];
+    if (animal.refused) continue;
     int entry_id = InsertNoteEntry(animal, "", note);
     if (entry_id < 1) {
       std::printf("\tERROR: Creating release record entry for '%s'\n", note.local_id);

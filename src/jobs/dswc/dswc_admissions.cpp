@@ -9,6 +9,7 @@
 #include "jobs/dswc/dswc_disposition.h"
 #include "jobs/dswc/dswc_species.h"
 #include "jobs/patient_rows.h"
+#include "store/case_numbers.h"
 #include "store/connection.h"
 #include "store/disposition_store.h"
 #include "store/record_entry_store.h"
@@ -199,9 +200,21 @@ bool WriteAdmission(const AdmissionLine& line, PatientRecord& patient, const Pat
   return true;
 }
 
+// Admission numbers 12, 012 and 12a are all case number <year>-0012: only
+// the first of them becomes a patient, so that no two animals share
+// releases and transfers. False, reported, when an earlier line has it.
+bool ClaimCaseNumber(const AdmissionLine& line, const Text<16>& patient_id, RunCaseNumbers& case_numbers) {
+  if (const std::string* owner = case_numbers.Claim(patient_id.view(), line[kNumber])) {
+    std::printf("\tERROR - case number '%s' of '%s' already belongs to '%s', line skipped\n", patient_id.c_str(),
+                line[kNumber], owner->c_str());
+    return false;
+  }
+  return true;
+}
+
 // Imports one line that has at least the needed fields. Returns true when
 // the patient and all its rows were stored.
-bool ImportAdmission(AdmissionLine& line, const Text<16>& patient_id) {
+bool ImportAdmission(AdmissionLine& line, const Text<16>& patient_id, RunCaseNumbers& case_numbers) {
   PatientRecord patient;
   PatientFinderInfo finder;
   TransferRecord transfer;
@@ -227,7 +240,8 @@ bool ImportAdmission(AdmissionLine& line, const Text<16>& patient_id) {
     ApplyResidentTable(patient);
     patient.flags |= kFlagResident;
   }
-  return valid && WriteAdmission(line, patient, finder, reason, transfer);
+  return valid && ClaimCaseNumber(line, patient_id, case_numbers) &&
+         WriteAdmission(line, patient, finder, reason, transfer);
 }
 
 }  // namespace
@@ -291,6 +305,7 @@ int ImportDswcAdmissions(int year) {
 
   const bool with_donation = year == kDonationYear;
   int imported = 0;
+  RunCaseNumbers case_numbers;
   std::string text;
   for (int i = 0; i < kHeaderLines; ++i) reader.ReadLine(text);
   while (reader.ReadLine(text)) {
@@ -303,7 +318,7 @@ int ImportDswcAdmissions(int year) {
     // "%.4d" writes what the centre's "%04.4d" does: at least four digits.
     patient_id.Format("%d-%.4d", year, line.found > 0 ? ToInt(line[kNumber]) : 0);
     if (!HasFields(line.found, kNeededFields, patient_id.c_str())) continue;
-    if (ImportAdmission(line, patient_id)) ++imported;
+    if (ImportAdmission(line, patient_id, case_numbers)) ++imported;
   }
   std::printf("Imported %d patients\n", imported);
   return 0;

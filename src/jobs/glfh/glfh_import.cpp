@@ -4,6 +4,7 @@
 #include <string>
 
 #include "jobs/patient_rows.h"
+#include "store/case_numbers.h"
 #include "store/connection.h"
 #include "store/record_entry_store.h"
 #include "util/dates.h"
@@ -66,6 +67,21 @@ bool WritePatient(PatientRecord& patient, const PatientFinderInfo& finder) {
   return true;
 }
 
+// Register numbers 101, 0101 and 101a are all case number 00101: only the
+// first of them becomes a patient, so that no two birds share one record
+// number. False, reported, when an earlier line has it.
+bool ClaimCaseNumber(std::string_view line, const PatientRecord& patient, RunCaseNumbers& case_numbers) {
+  Tokenizer tokenizer(line);
+  char* column[kColumnCount];
+  TakeFields(tokenizer, column, kColumnCount, "\t", "\t");
+  if (const std::string* owner = case_numbers.Claim(patient.patient_id.view(), column[kNumber])) {
+    std::printf("\tERROR - case number '%s' of '%s' already belongs to '%s', line skipped\n",
+                patient.patient_id.c_str(), column[kNumber], owner->c_str());
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 bool ReadGlfhLine(std::string_view line, PatientRecord& patient, PatientFinderInfo& finder) {
@@ -121,12 +137,14 @@ int ImportGlfhPatients() {
     return 1;
   }
   int imported = 0;
+  RunCaseNumbers case_numbers;
   std::string text;
   reader.ReadLine(text);  // header
   while (reader.ReadLine(text)) {
     PatientRecord patient;
     PatientFinderInfo finder;
     if (!ReadGlfhLine(text, patient, finder)) continue;
+    if (!ClaimCaseNumber(text, patient, case_numbers)) continue;
     if (WritePatient(patient, finder)) ++imported;
   }
   std::printf("Imported %d patients\n", imported);

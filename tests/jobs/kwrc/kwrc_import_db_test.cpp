@@ -61,7 +61,7 @@ TEST_F(KwrcImportTest, SampleYear) {
             "  record_entry                 18 inserted\n"
             "  releases                      8 inserted\n"
             "  transfers                     1 inserted\n"
-            "Statements: 149 sent, 0 failed\n"
+            "Statements: 150 sent, 0 failed\n"
             "Log lines reporting an error or a warning: 6\n");
   // The counts are the rows the run left in the tables (the settings row was seeded).
   for (const char* table : {"patient", "problems", "record_entry", "releases", "transfers"}) {
