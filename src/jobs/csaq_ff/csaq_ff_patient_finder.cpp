@@ -1,7 +1,6 @@
 #include "jobs/csaq_ff/csaq_ff_patient_finder.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "store/connection.h"
 #include "util/strings.h"
