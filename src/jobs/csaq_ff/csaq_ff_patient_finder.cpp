@@ -99,20 +99,27 @@ int NotesTagFinder::Scan(const char* species, std::string_view tag) {
 int NotesTagFinder::Confirm(const char* species, std::string_view tag, const std::vector<int>& candidates) {
   for (std::size_t start = 0; start < candidates.size(); start += kConfirmBatch) {
     std::size_t end = std::min(candidates.size(), start + kConfirmBatch);
-    std::string statement = "select id from patient where id in (";
+    // The primary key, named: left to itself the optimizer may read every
+    // patient of the species through its index.
+    std::string statement = "select id from patient force index (primary) where id in (";
     for (std::size_t i = start; i < end; ++i) {
       if (i > start) statement += ',';
       statement += std::to_string(candidates[i]);
     }
-    int id = 0;
+    SqlResult result;
     if (species != nullptr) {
-      statement += ") and species='%s' and notes like '%%%s' order by id limit 1;";
-      id = QueryInt(statement.c_str(), {species, tag}, 0);
+      statement += ") and species='%s' and notes like '%%%s';";
+      result = QuerySql(statement.c_str(), {species, tag});
     } else {
-      statement += ") and notes like '%%%s' order by id limit 1;";
-      id = QueryInt(statement.c_str(), {tag}, 0);
+      statement += ") and notes like '%%%s';";
+      result = QuerySql(statement.c_str(), {tag});
     }
-    if (id != 0) return id;
+    int first = 0;
+    while (MYSQL_ROW row = result.NextRow()) {
+      int id = row[0] != nullptr ? ToInt(row[0]) : 0;
+      if (id != 0 && (first == 0 || id < first)) first = id;
+    }
+    if (first != 0) return first;
   }
   return 0;
 }
