@@ -15,6 +15,7 @@
 
 #include "store/connection.h"
 #include "store/journal.h"
+#include "util/dates.h"
 #include "util/log_watch.h"
 #include "util/progress.h"
 #include "util/sha256.h"
@@ -40,15 +41,6 @@ void OnInterrupt(int signal_number) {
   }
   ::signal(signal_number, SIG_DFL);
   ::raise(signal_number);
-}
-
-std::string LocalTime() {
-  std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  char text[32];
-  std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-  return text;
 }
 
 // A name part of the journal's file name: letters, digits, '_' and '-' only.
@@ -88,7 +80,7 @@ void TransactionLost(const char* why) {
   ProgressClear();
   std::fprintf(stderr, "The connection to the database server was lost (%s): the run stops here; %s\n", why,
                g_run.dry_run ? "it was a dry run, nothing was written" : "nothing of this run was written");
-  if (g_journal) g_journal->FinishWithoutRows("lost connection, rolled back", LocalTime());
+  if (g_journal) g_journal->FinishWithoutRows("lost connection, rolled back", NowTimestamp());
   std::fflush(stderr);
   std::exit(kExitNothingWritten);
 }
@@ -184,14 +176,14 @@ int BeginSafeRun(const SafeRunOptions& options, const JobDescription& job, const
     for (std::size_t i = 0; i + 2 < files.size(); i += 3) {
       g_journal->Record({"file", files[i], files[i + 1], files[i + 2]});
     }
-    g_journal->Record({"start", LocalTime()});
+    g_journal->Record({"start", NowTimestamp()});
     SetWriteObserver(g_journal.get());
   }
   if (options.dry_run || options.atomic) {
     SetTransactionLostHandler(TransactionLost);
     if (BeginRunTransaction() != 0) {
       std::fprintf(stderr, "Refused: the server did not open a transaction: %s\n", LastDbError());
-      if (g_journal) g_journal->FinishWithoutRows("refused, nothing written", LocalTime());
+      if (g_journal) g_journal->FinishWithoutRows("refused, nothing written", NowTimestamp());
       return kExitRefused;
     }
     g_transaction = true;
@@ -208,14 +200,14 @@ int EndSafeRun(std::string& summary_note) {
       summary_note = "Dry run: nothing was written (all rolled back); the rows above are what the run would write\n";
     } else if (EndRunTransaction(true) != 0) {
       summary_note = std::string("The commit failed (") + LastDbError() + "): nothing of this run was written\n";
-      if (g_journal) g_journal->FinishWithoutRows("commit failed, rolled back", LocalTime());
+      if (g_journal) g_journal->FinishWithoutRows("commit failed, rolled back", NowTimestamp());
       exit_code = kExitNothingWritten;
     } else {
       summary_note = "Atomic run: committed\n";
     }
   }
   SetWriteObserver(nullptr);
-  if (g_journal && exit_code == 0) g_journal->Finish("completed", LocalTime());
+  if (g_journal && exit_code == 0) g_journal->Finish("completed", NowTimestamp());
   g_journal_fd = -1;
   g_journal.reset();
   return exit_code;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <map>
 #include <unordered_map>
 #include <unordered_set>
@@ -11,6 +10,7 @@
 
 #include "store/connection.h"
 #include "store/journal.h"
+#include "util/dates.h"
 
 namespace {
 
@@ -29,15 +29,6 @@ struct UndoTable {
   unsigned long long deleted = 0;
   unsigned long long put_back = 0;
 };
-
-std::string LocalTime() {
-  std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  char text[32];
-  std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-  return text;
-}
 
 std::string Literal(const std::string& value) { return SqlLiteral(value, value == kJournalNull); }
 
@@ -286,7 +277,7 @@ int UndoRun(const std::string& path, bool force, const ConnectionTarget& target)
     std::fprintf(stderr, "The commit failed: %s\nNothing was undone\n", LastDbError());
     return kExitRefused;
   }
-  if (!AppendJournalRecord(path, {"undone", LocalTime(), force && !changed_rows.empty() ? "forced" : ""})) {
+  if (!AppendJournalRecord(path, {"undone", NowTimestamp(), force && !changed_rows.empty() ? "forced" : ""})) {
     std::fprintf(stderr, "Warning: the run was undone, but the journal could not be marked as undone\n");
   }
   std::fprintf(stderr, "== Undo of %s\n", path.c_str());
