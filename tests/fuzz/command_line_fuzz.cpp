@@ -28,16 +28,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (std::size_t i = 0; i < input.count() && i < 64; ++i) argv.push_back(input.Next());
 
   // The program's own table, from a clean start each time.
-  static OptionSpec pristine[8];
-  static bool saved = false;
-  if (!saved) {
-    std::memcpy(pristine, g_options, sizeof(OptionSpec) * static_cast<std::size_t>(kOptionCount));
-    saved = true;
-  }
-  std::memcpy(g_options, pristine, sizeof(OptionSpec) * static_cast<std::size_t>(kOptionCount));
+  static const std::vector<OptionSpec> pristine(g_options, g_options + kOptionCount);
+  std::memcpy(g_options, pristine.data(), sizeof(OptionSpec) * pristine.size());
   OrgCode = "";
   DataType = "";
   Region = "";
+  UndoJournal = "";
   CommandLine program(static_cast<int>(argv.size()), argv.data(), g_options, kOptionCount);
   (void)program.IsValid();
 
