@@ -42,7 +42,7 @@ source_dir=$out/mariadb-source
 if ! ls "$source_dir"/mariadb_*.orig.tar.* >/dev/null 2>&1; then
   apt-cache showsrc mariadb 2>/dev/null | grep -q '^Package: mariadb' || enable_sources
   mkdir -p "$source_dir.part"
-  (cd "$source_dir.part" && apt-get source -qq --download-only mariadb)
+  (cd "$source_dir.part" && apt-get source -qq --download-only -o APT::Sandbox::User=root mariadb)
   rm -rf "$source_dir"
   mv "$source_dir.part" "$source_dir"
 fi
