@@ -124,14 +124,21 @@ def mb(n):
     return "%.1f MB" % (n / 1e6)
 
 
+def quotient(form, numerator, denominator):
+    """numerator / denominator in `form`, or "-" when the denominator is not
+    above zero: a run too short for /usr/bin/time to measure (small scales)
+    has a wall time of 0.00."""
+    return form % (numerator / denominator) if denominator > 0 else "-"
+
+
 def table(path):
     rows = []
     for run in read_results(path):
         cpu = run["user"] + run["sys"]
         row = [run["job"], "x%g" % run["scale"], run["records"], mb(run["bytes"]), run["rows"],
                "%d (%d failed)" % (run["statements"], run["failed"]), "%.1f" % run["wall"],
-               "%.0f" % (run["statements"] / run["wall"]) if run["wall"] > 0 else "-",
-               "%.1f%%" % (100 * cpu / run["wall"]) if run["wall"] > 0 else "-", mb(run["rss"] * 1024)]
+               quotient("%.0f", run["statements"], run["wall"]), quotient("%.1f%%", 100 * cpu, run["wall"]),
+               mb(run["rss"] * 1024)]
         if run["r_wall"] is not None:
             rcpu = run["r_user"] + run["r_sys"]
             # The program waits for each answer before it goes on, so CPU it
@@ -139,10 +146,10 @@ def table(path):
             # this estimate of the ratio holds when other load on the machine
             # makes the wall times of two runs differ by more than that.
             extra = cpu - rcpu
-            row += ["%.1f" % run["r_wall"], "%.1f%%" % (100 * rcpu / run["r_wall"]),
-                    "%.3f" % (run["wall"] / run["r_wall"]),
-                    "%+.1f" % (1e6 * extra / max(run["statements"], 1)),
-                    "%.3f" % ((run["r_wall"] + extra) / run["r_wall"])]
+            row += ["%.1f" % run["r_wall"], quotient("%.1f%%", 100 * rcpu, run["r_wall"]),
+                    quotient("%.3f", run["wall"], run["r_wall"]),
+                    quotient("%+.1f", 1e6 * extra, run["statements"]),
+                    quotient("%.3f", run["r_wall"] + extra, run["r_wall"])]
         else:
             row += ["-", "-", "-", "-", "-"]
         rows.append(row)
@@ -158,7 +165,7 @@ def growth(path):
     for run in read_results(path):
         by_job.setdefault(run["job"], []).append(run)
     rows = []
-    ratio = lambda b, a: "%.2f" % (b / a) if a > 0 else "-"
+    ratio = lambda b, a: quotient("%.2f", b, a)
     for job, runs in by_job.items():
         runs.sort(key=lambda r: r["scale"])
         row = [job]

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Benchmarks every import job on synthetic input against the local MariaDB.
 #
-#   scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--windows]
+#   scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--durable] [--windows]
 #
 # For each job: generates its input with bench/gen/ (default sizes times F),
 # makes a fresh database (scripts/db.sh create), runs the job's prerequisite
@@ -24,6 +24,11 @@
 #                  the Windows build under Wine (scripts/build-windows.sh), to
 #                  compare the work per statement with the Linux build's rows;
 #                  the wall times include what Wine adds to each round trip
+#   --durable      each job as a plain run and as an -atomic run, on the local
+#                  server and on a second server of the script's own with
+#                  production settings (innodb_flush_log_at_trx_commit=1,
+#                  doublewrite on, binary log on with sync_binlog=1): wall
+#                  times only (no replay, no XML benchmark)
 #
 # Starts the server with scripts/db.sh start (a running one is reused and left
 # running). Environment as for scripts/db.sh (CORVANA_DB_DIR, CORVANA_DB_PORT,
@@ -43,6 +48,7 @@ floor=1
 xml=1
 only=""
 windows=0
+durable=0
 while [[ $# -gt 0 ]]; do
   case $1 in
     --scale) scale=${2:?--scale needs a factor}; shift 2 ;;
@@ -51,9 +57,11 @@ while [[ $# -gt 0 ]]; do
     --no-xml) xml=0; shift ;;
     --jobs) only=${2:?--jobs needs a pattern}; shift 2 ;;
     --windows) windows=1; shift ;;
-    *) echo "usage: scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--windows]" >&2; exit 2 ;;
+    --durable) durable=1; shift ;;
+    *) echo "usage: scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--durable] [--windows]" >&2; exit 2 ;;
   esac
 done
+(( durable )) && { floor=0; growth=0; xml=0; }
 [[ $scale =~ ^[0-9]*\.?[0-9]+$ ]] || { echo "bench.sh: --scale must be a positive number" >&2; exit 2; }
 (( growth )) && floor=0
 
@@ -149,7 +157,23 @@ fi
 
 "$db" start >&2
 
-sql() { "$db" sql "$@"; }
+# The server the next commands talk to: the local one, or (--durable) the
+# production-like one of the script's own.
+on_durable=0
+durable_env=()
+dbcmd() {
+  if (( on_durable )); then env "${durable_env[@]}" "$db" "$@"; else "$db" "$@"; fi
+}
+sql() { dbcmd sql "$@"; }
+if (( durable )); then
+  durable_dir="$work/durable-db"
+  durable_port=$(python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+  mkdir -p "$durable_dir"
+  durable_env=(CORVANA_DB_DIR="$durable_dir" CORVANA_DB_PORT="$durable_port"
+    CORVANA_DB_SERVER_ARGS="--innodb_flush_log_at_trx_commit=1 --innodb_doublewrite=1 --log-bin=$durable_dir/binlog --sync_binlog=1 --server-id=1")
+  log "starting the production-like server on port $durable_port"
+  env "${durable_env[@]}" "$db" start >&2
+fi
 
 # The general log goes to a file of ours for the measured run only; the
 # server's own setting comes back afterwards, also when the script is stopped.
@@ -162,7 +186,8 @@ drop_run_databases() {
   for name in "${run_databases[@]}"; do sql mysql <<<"drop database if exists \`$name\`" || true; done
   run_databases=()
 }
-trap 'restore_log; drop_run_databases' EXIT
+stop_durable() { (( durable )) && env "${durable_env[@]}" "$db" stop >&2 || true; }
+trap 'restore_log; drop_run_databases; stop_durable' EXIT
 
 # ---------------------------------------------------------------------------
 # Inputs
@@ -212,12 +237,15 @@ run_job() {  # DIR ORG TYPE YEAR [REGION]: runs the program in DIR, output to fi
   local dir=$1 out=$2; shift 2
   local args=(-org "$1" -type "$2" -year "$3")
   [[ $# -ge 4 ]] && args+=(-region "$4")
+  args+=("${extra_args[@]}")
   (cd "$dir" && /usr/bin/time -f "%U	%S	%e	%M" -o "$out.time" "$program" "${args[@]}" >"$out.log" 2>"$out.err")
 }
 
 prepare() {  # DATABASE DIR PREREQUISITES: a fresh database with the prerequisite rows
   local name=$1 dir=$2 steps=$3 step steps_list step_words
-  "$db" create "$name" "$dir" >/dev/null
+  dbcmd create "$name" "$dir" >/dev/null
+  local saved_extra=("${extra_args[@]}")
+  extra_args=()
   IFS=';' read -r -a steps_list <<<"$steps"
   for step in "${steps_list[@]}"; do
     [[ -z $step ]] && continue
@@ -227,7 +255,9 @@ prepare() {  # DATABASE DIR PREREQUISITES: a fresh database with the prerequisit
       run) run_job "$dir" "$runs/prerequisite" "${step_words[@]:1}" ;;
     esac
   done
+  extra_args=("${saved_extra[@]}")
 }
+extra_args=()
 
 measure() {  # JOB-LINE FACTOR: one measured run, one line to $results
   local name family steps measured files run_words file_list
@@ -298,6 +328,40 @@ measure() {  # JOB-LINE FACTOR: one measured run, one line to $results
     "$replay_fields" >>"$results"
 }
 
+# --durable: one job as a plain and an atomic run on each server; one line
+# "job, statements, four wall times" to $results.
+measure_durable() {  # JOB-LINE FACTOR
+  local name family steps measured files run_words
+  IFS='|' read -r name family steps measured files <<<"$1"
+  local factor=$2 info dir
+  info=$(input_dir "$family" "$factor")
+  dir=${info%%|*}
+  read -r -a run_words <<<"$measured"
+  local slug line server mode sent=""
+  slug=$(echo "$name" | tr -c 'A-Za-z0-9\n' '_')
+  line="$name"
+  for server in 0 1; do
+    on_durable=$server
+    for mode in plain atomic; do
+      run_number=$((run_number + 1))
+      run_databases=("bench$$_$run_number")
+      log "$name x$factor: $( ((server)) && echo durable || echo relaxed) server, $mode run"
+      prepare "bench$$_$run_number" "$dir" "$steps"
+      settle
+      extra_args=()
+      [[ $mode == atomic ]] && extra_args=(-atomic)
+      local out="$runs/${slug}x${factor}_${server}_$mode"
+      run_job "$dir" "$out" "${run_words[@]}"
+      extra_args=()
+      [[ -z $sent ]] && sent=$(python3 "$tool" summary "$out.err" | cut -d' ' -f2)
+      line+="	$(tail -1 "$out.time" | cut -f3)"
+      drop_run_databases
+    done
+  done
+  on_durable=0
+  echo "$line	$sent" >>"$results"
+}
+
 # ---------------------------------------------------------------------------
 
 stamp=$(date -u +%Y%m%d-%H%M%S)
@@ -310,6 +374,12 @@ echo "== Machine: $(lscpu | sed -n 's/^Model name: *//p'), $(nproc) cores, $(fre
 echo "== Server: $(echo "select concat(version(), '; sql_mode=', @@global.sql_mode, '; ', @@character_set_server, '/', @@collation_server, '; innodb_buffer_pool_size=', @@innodb_buffer_pool_size DIV 1048576, 'M; innodb_flush_log_at_trx_commit=', @@innodb_flush_log_at_trx_commit, '; innodb_doublewrite=', @@innodb_doublewrite, '; log_bin=', @@log_bin)" | sql mysql -N) on 127.0.0.1:$port"
 echo "== Date: $(date -u '+%Y-%m-%d %H:%M UTC'); scale x$scale$( (( growth )) && echo ', growth 1x 2x 4x')$( (( floor )) || echo ', no replay')"
 
+if (( durable )); then
+  on_durable=1
+  echo "== Durable server: $(echo "select concat(version(), '; innodb_flush_log_at_trx_commit=', @@innodb_flush_log_at_trx_commit, '; innodb_doublewrite=', @@innodb_doublewrite, '; log_bin=', @@log_bin, '; sync_binlog=', @@sync_binlog)" | sql mysql -N) on 127.0.0.1:$durable_port"
+  on_durable=0
+fi
+
 run_number=0
 # One spelling per factor (1, not 1.0), so each size is generated once.
 factor() { python3 -c "import sys; print('%g' % (float(sys.argv[1]) * int(sys.argv[2])))" "$scale" "$1"; }
@@ -317,11 +387,21 @@ factors=("$(factor 1)")
 (( growth )) && factors=("$(factor 1)" "$(factor 2)" "$(factor 4)")
 for line in "${jobs[@]}"; do
   [[ -n $only && ! ${line%%|*} =~ $only ]] && continue
-  for factor in "${factors[@]}"; do measure "$line" "$factor"; done
+  for factor in "${factors[@]}"; do
+    if (( durable )); then measure_durable "$line" "$factor"; else measure "$line" "$factor"; fi
+  done
 done
 
 echo
-python3 "$tool" table "$results"
+if (( durable )); then
+  printf '%-30s %10s %14s %15s %14s %15s\n' job statements "relaxed plain" "relaxed atomic" "durable plain" \
+    "durable atomic"
+  while IFS=$'\t' read -r name rp ra dp da sent; do
+    printf '%-30s %10s %13ss %14ss %13ss %14ss\n' "$name" "$sent" "$rp" "$ra" "$dp" "$da"
+  done <"$results"
+else
+  python3 "$tool" table "$results"
+fi
 if (( growth )); then
   echo
   python3 "$tool" growth "$results"

@@ -9,12 +9,22 @@ Text<32> OrgCode{};
 Text<32> DataType{};
 int32_t Year = 0;
 Text<32> Region{};
+int32_t DryRun = 0;
+int32_t Atomic = 0;
+Text<256> UndoJournal{};
+int32_t Force = 0;
+int32_t Again = 0;
 
 OptionSpec g_options[] = {
     {"-org", kOptionRequired, kOptionString, OrgCode.data(), sizeof OrgCode.chars},
     {"-type", kOptionRequired, kOptionString, DataType.data(), sizeof DataType.chars},
     {"-year", kOptionRequired, kOptionLong, &Year, sizeof Year},
     {"-region", kOptionOptional, kOptionString, Region.data(), sizeof Region.chars},
+    {"-dry-run", kOptionOptional, kOptionFlag, &DryRun, sizeof DryRun},
+    {"-atomic", kOptionOptional, kOptionFlag, &Atomic, sizeof Atomic},
+    {"-undo", kOptionOptional, kOptionString, UndoJournal.data(), sizeof UndoJournal.chars},
+    {"-force", kOptionOptional, kOptionFlag, &Force, sizeof Force},
+    {"-again", kOptionOptional, kOptionFlag, &Again, sizeof Again},
 };
 const int kOptionCount = sizeof g_options / sizeof g_options[0];
 

@@ -1,5 +1,5 @@
 // The table-driven option parser that names the job of a run: "-org", "-type",
-// "-year" and the optional "-region". It prints nothing; IsValid() tells the
+// "-year" and the optional "-region", and the options of a safe migration. It prints nothing; IsValid() tells the
 // entry point whether every required option was given.
 #pragma once
 
@@ -34,6 +34,14 @@ extern Text<32> OrgCode;
 extern Text<32> DataType;
 extern int32_t Year;
 extern Text<32> Region;
+// The options of a safe migration: "-dry-run" (everything rolled back),
+// "-atomic" (one transaction), "-undo JOURNAL" (reverse a run), "-force"
+// (undo over later changes), "-again" (repeat an import already made).
+extern int32_t DryRun;
+extern int32_t Atomic;
+extern Text<256> UndoJournal;
+extern int32_t Force;
+extern int32_t Again;
 
 // The process-wide option table over those settings, and its entry count.
 extern OptionSpec g_options[];

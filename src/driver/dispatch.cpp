@@ -1,6 +1,8 @@
 #include "driver/dispatch.h"
 
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "jobs/csaq_ff/csaq_ff_biometrics.h"
 #include "jobs/csaq_ff/csaq_ff_habitats.h"
@@ -41,7 +43,16 @@ struct JobRow {
   const char* type;  // null for kAny
   TypeMatch match;
   void (*run)(const RunOptions& options);
+  // Every table the job may write, and its input files ("%d" the year, "%s"
+  // the region), each list separated by commas: what a dry or atomic run
+  // checks before the first write and what the journal names.
+  const char* tables;
+  const char* inputs;
 };
+
+// The tables of the patient imports: the patient, its record entries and
+// what hangs on them.
+#define PATIENT_TABLES "patient,record_entry,problems,attributes,releases,transfers,biometric,pcv"
 
 // Every organisation code the program knows, including those whose jobs are
 // run elsewhere: a repair type with one of these codes runs nothing.
@@ -50,40 +61,40 @@ constexpr const char* kOrganisations[] = {"HWC",  "KWRC",     "CSAQ_FF", "DsWC",
 
 // Tested in this order; at most one job runs.
 constexpr JobRow kJobs[] = {
-    {"HWC", nullptr, TypeMatch::kAny, nullptr},  // nothing to import for this site
-    {"KWRC", nullptr, TypeMatch::kAny, [](const RunOptions& options) { ImportKwrcYear(options.year); }},
-    {"CSAQ_FF", "species", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfSpecies(); }},
-    {"CSAQ_FF", "habitats", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfHabitats(); }},
-    {"CSAQ_FF", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfPatients(); }},
-    {"CSAQ_FF", "water_chemistry", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfWaterChemistry(); }},
-    {"CSAQ_FF", "biometrics", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfBiometrics(); }},
-    {"CSAQ_FF", "vital_stats", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfVitalStats(); }},
-    {"CSAQ_FF", "invert_species_groups", TypeMatch::kExact, [](const RunOptions&) { ImportInvertSpeciesGroups(); }},
-    {"CSAQ_FF", "rehab", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfRehab(); }},
-    {"DsWC", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportDswcAdmissions(options.year); }},
-    {"DsWC", "species", TypeMatch::kExact, [](const RunOptions&) { ImportDswcSpecies(); }},
-    {"DsWC", "address_book", TypeMatch::kExact, [](const RunOptions&) { ImportDswcAddressBook(); }},
-    {"GLFH", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportGlfhPatients(); }},
-    {"CSAQ_PKS", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportZooRecords(); }},
-    {"CSAQ_PKS", "habitats", TypeMatch::kExact, [](const RunOptions&) { ImportEnclosureTree(); }},
-    {"CSAQ_PKS", "taxonomy", TypeMatch::kExact, [](const RunOptions&) { RepairTaxonomy(); }},
-    {"UPRC", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportUprcPatients(options.year); }},
-    {"SBR_LA", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportSbrPatients(options.region.c_str()); }},
-    {"SBR_SF", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportSbrPatients(options.region.c_str()); }},
-    {"SBR_LA", "species", TypeMatch::kExact, [](const RunOptions&) { ImportSbrSpecies(); }},
-    {"SBR_SF", "species", TypeMatch::kExact, [](const RunOptions&) { ImportSbrSpecies(); }},
+    {"HWC", nullptr, TypeMatch::kAny, nullptr, "", ""},  // nothing to import for this site
+    {"KWRC", nullptr, TypeMatch::kAny, [](const RunOptions& options) { ImportKwrcYear(options.year); }, PATIENT_TABLES, "KWRC_%d.txt"},
+    {"CSAQ_FF", "species", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfSpecies(); }, "species,settings", "ScientificNames.xml,NonNatives.xml,SpeciesAbbreviations.xml"},
+    {"CSAQ_FF", "habitats", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfHabitats(); }, "location", "Habitats.xml"},
+    {"CSAQ_FF", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfPatients(); }, PATIENT_TABLES, "Groups.xml,Husbandry.xml,Habitats.xml,HabitatCensus.xml,SpeciesAbbreviations.xml"},
+    {"CSAQ_FF", "water_chemistry", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfWaterChemistry(); }, "location_record_entry,water_quality", "WaterChem.xml,Habitats.xml"},
+    {"CSAQ_FF", "biometrics", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfBiometrics(); }, "record_entry,biometric", "LoggerHeadDailyLogs.xml,SnakeStatTable.xml"},
+    {"CSAQ_FF", "vital_stats", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfVitalStats(); }, "record_entry,biometric", "Husbandry.xml"},
+    {"CSAQ_FF", "invert_species_groups", TypeMatch::kExact, [](const RunOptions&) { ImportInvertSpeciesGroups(); }, "species,patient", "InvertebrateSpecies.txt"},
+    {"CSAQ_FF", "rehab", TypeMatch::kExact, [](const RunOptions&) { ImportCsaqFfRehab(); }, PATIENT_TABLES, "SeaTurtleRehabRecords.xml"},
+    {"DsWC", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportDswcAdmissions(options.year); }, PATIENT_TABLES, "%dAdmissions.txt,species.xml"},
+    {"DsWC", "species", TypeMatch::kExact, [](const RunOptions&) { ImportDswcSpecies(); }, "species", "species.xml"},
+    {"DsWC", "address_book", TypeMatch::kExact, [](const RunOptions&) { ImportDswcAddressBook(); }, "addressBook", "AddressBook.txt"},
+    {"GLFH", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportGlfhPatients(); }, PATIENT_TABLES, "GLFH_Patients.txt"},
+    {"CSAQ_PKS", "patient", TypeMatch::kExact, [](const RunOptions&) { ImportZooRecords(); }, PATIENT_TABLES, "CensusCounts.xml,Animals.xml,Notes.xml,Transactions.xml,Identifiers.xml,Measurements.xml,EnclosureMoves.xml"},
+    {"CSAQ_PKS", "habitats", TypeMatch::kExact, [](const RunOptions&) { ImportEnclosureTree(); }, "location", "EnclosureTree.xml"},
+    {"CSAQ_PKS", "taxonomy", TypeMatch::kExact, [](const RunOptions&) { RepairTaxonomy(); }, "species", "MissingTaxonomy.txt"},
+    {"UPRC", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportUprcPatients(options.year); }, PATIENT_TABLES, "UPRC %d.txt"},
+    {"SBR_LA", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportSbrPatients(options.region.c_str()); }, PATIENT_TABLES, "SBR_%s.txt"},
+    {"SBR_SF", "patient", TypeMatch::kExact, [](const RunOptions& options) { ImportSbrPatients(options.region.c_str()); }, PATIENT_TABLES, "SBR_%s.txt"},
+    {"SBR_LA", "species", TypeMatch::kExact, [](const RunOptions&) { ImportSbrSpecies(); }, "species", "species.txt"},
+    {"SBR_SF", "species", TypeMatch::kExact, [](const RunOptions&) { ImportSbrSpecies(); }, "species", "species.txt"},
     {"SBR_LA", "band_sightings", TypeMatch::kExact,
-     [](const RunOptions&) { ImportBandSightings("./BandSightings/", "BandSightings.txt", 0); }},
+     [](const RunOptions&) { ImportBandSightings("./BandSightings/", "BandSightings.txt", 0); }, "record_entry,band_report", "BandSightings/BandSightings.txt"},
     {"SBR_SF", "band_sightings", TypeMatch::kExact,
-     [](const RunOptions&) { ImportBandSightings("./BandSightings/", "BandSightings.txt", 0); }},
-    {"SBR_LA", "necropsy", TypeMatch::kExact, [](const RunOptions&) { ImportNecropsyReports(); }},
-    {"SBR_SF", "necropsy", TypeMatch::kExact, [](const RunOptions&) { ImportNecropsyReports(); }},
-    {nullptr, "fixTransfers", TypeMatch::kRepair, [](const RunOptions&) { fixTransfers(); }},
-    {nullptr, "fix180DayReports", TypeMatch::kRepair, [](const RunOptions&) { fix180DayReports(); }},
-    {nullptr, "fixLineLengths", TypeMatch::kRepair, [](const RunOptions&) { fixLineLengths(false); }},
-    {nullptr, "fixLineLengthsTest", TypeMatch::kRepair, [](const RunOptions&) { fixLineLengths(true); }},
-    {nullptr, "fixEnrichmentRecords", TypeMatch::kRepair, [](const RunOptions&) { fixEnrichmentRecords(); }},
-    {nullptr, "fix_CBC_PCV_Records", TypeMatch::kRepair, [](const RunOptions&) { fix_CBC_PCV_Records(); }},
+     [](const RunOptions&) { ImportBandSightings("./BandSightings/", "BandSightings.txt", 0); }, "record_entry,band_report", "BandSightings/BandSightings.txt"},
+    {"SBR_LA", "necropsy", TypeMatch::kExact, [](const RunOptions&) { ImportNecropsyReports(); }, "record_entry", "Necropsy.txt"},
+    {"SBR_SF", "necropsy", TypeMatch::kExact, [](const RunOptions&) { ImportNecropsyReports(); }, "record_entry", "Necropsy.txt"},
+    {nullptr, "fixTransfers", TypeMatch::kRepair, [](const RunOptions&) { fixTransfers(); }, "transfers", ""},
+    {nullptr, "fix180DayReports", TypeMatch::kRepair, [](const RunOptions&) { fix180DayReports(); }, "patient,attributes", ""},
+    {nullptr, "fixLineLengths", TypeMatch::kRepair, [](const RunOptions&) { fixLineLengths(false); }, "record_entry,location_record_entry", ""},
+    {nullptr, "fixLineLengthsTest", TypeMatch::kRepair, [](const RunOptions&) { fixLineLengths(true); }, "", ""},
+    {nullptr, "fixEnrichmentRecords", TypeMatch::kRepair, [](const RunOptions&) { fixEnrichmentRecords(); }, "enrichment", ""},
+    {nullptr, "fix_CBC_PCV_Records", TypeMatch::kRepair, [](const RunOptions&) { fix_CBC_PCV_Records(); }, "cbc,pcv", ""},
 };
 
 bool IsOrganisation(const char* org_code) {
@@ -105,15 +116,48 @@ bool Matches(const JobRow& row, const char* org_code, const char* data_type, boo
   return false;
 }
 
-}  // namespace
-
-bool RunSelectedJob(const char* org_code, const char* data_type, const RunOptions& options) {
+const JobRow* FindJob(const char* org_code, const char* data_type) {
   bool known_org = IsOrganisation(org_code);
   for (const JobRow& row : kJobs) {
-    if (!Matches(row, org_code, data_type, known_org)) continue;
-    if (row.run == nullptr) return false;
-    row.run(options);
-    return true;
+    if (Matches(row, org_code, data_type, known_org)) return &row;
   }
-  return false;
+  return nullptr;
+}
+
+std::vector<std::string> SplitList(const char* list) {
+  std::vector<std::string> items;
+  std::string item;
+  for (const char* p = list; ; ++p) {
+    if (*p == ',' || *p == '\0') {
+      if (!item.empty()) items.push_back(item);
+      item.clear();
+      if (*p == '\0') break;
+    } else {
+      item.push_back(*p);
+    }
+  }
+  return items;
+}
+
+}  // namespace
+
+bool DescribeSelectedJob(const char* org_code, const char* data_type, const RunOptions& options,
+                         JobDescription& job) {
+  const JobRow* row = FindJob(org_code, data_type);
+  if (row == nullptr || row->run == nullptr) return false;
+  job.tables = SplitList(row->tables);
+  job.inputs.clear();
+  for (std::string name : SplitList(row->inputs)) {
+    if (std::size_t at = name.find("%d"); at != std::string::npos) name.replace(at, 2, std::to_string(options.year));
+    if (std::size_t at = name.find("%s"); at != std::string::npos) name.replace(at, 2, options.region.c_str());
+    job.inputs.push_back(name);
+  }
+  return true;
+}
+
+bool RunSelectedJob(const char* org_code, const char* data_type, const RunOptions& options) {
+  const JobRow* row = FindJob(org_code, data_type);
+  if (row == nullptr || row->run == nullptr) return false;
+  row->run(options);
+  return true;
 }

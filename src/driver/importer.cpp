@@ -8,6 +8,8 @@
 #include "driver/dispatch.h"
 #include "driver/ini_file.h"
 #include "driver/run_summary.h"
+#include "driver/safe_run.h"
+#include "driver/undo.h"
 #include "store/connection.h"
 #include "util/log_watch.h"
 #include "util/progress.h"
@@ -50,6 +52,8 @@ bool ReadConnectOptions(ConnectOptions& options) {
   return false;
 }
 
+ConnectionTarget g_target;
+
 }  // namespace
 
 int ConnectFromConfig() {
@@ -75,6 +79,8 @@ int ConnectFromConfig() {
     }
     return 1;
   }
+  g_target.server = std::string(server.c_str()) + ":" + std::to_string(port);
+  g_target.database = database.c_str();
   std::printf("\n\n%s version %s connected successfully to '%s:%s'\n", kProgramName, kVersion, server.c_str(),
               database.c_str());
   if (!SqlModeNotice().empty()) {
@@ -88,6 +94,12 @@ int RunImporter(int argc, const char* const* argv) {
   const auto started = std::chrono::steady_clock::now();
   WatchLog();
   CommandLine command_line(argc, argv, g_options, kOptionCount);
+  if (!UndoJournal.empty()) {
+    if (ConnectFromConfig() != 0) return 1;
+    int exit_code = UndoRun(UndoJournal.c_str(), Force != 0, g_target);
+    CloseDatabase();
+    return exit_code;
+  }
   if (!command_line.IsValid()) {
     std::printf("Unable to correclty parse command-line arguments!\n");
     std::printf("Usage: %s -org ORGNAME -year 2011 -type DATA_TYPE\n", kProgramName);
@@ -99,14 +111,26 @@ int RunImporter(int argc, const char* const* argv) {
   RunOptions options{};
   options.year = Year;
   options.region = Region;
-  RunSelectedJob(OrgCode.c_str(), DataType.c_str(), options);
+  JobDescription described;
+  std::string note;
+  int exit_code = 0;
+  if (DescribeSelectedJob(OrgCode.c_str(), DataType.c_str(), options, described)) {
+    SafeRunOptions safe{DryRun != 0, Atomic != 0, Again != 0, OrgCode.c_str(), DataType.c_str(), Year, Region.c_str()};
+    exit_code = BeginSafeRun(safe, described, g_target);
+    if (exit_code != 0) {
+      CloseDatabase();
+      return exit_code;
+    }
+    RunSelectedJob(OrgCode.c_str(), DataType.c_str(), options);
+    exit_code = EndSafeRun(note);
+  }
   ProgressClear();
 
   unsigned long long problems = ProblemLines();  // flushes the log first
   double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
   std::string job = std::string(OrgCode.c_str()) + " - " + DataType.c_str() + " - " + std::to_string(Year);
   std::string summary = FormatRunSummary(job, Tally(), problems, seconds);
-  std::fputs(summary.c_str(), stderr);
+  std::fputs((summary + note).c_str(), stderr);
   CloseDatabase();
-  return 0;
+  return exit_code;
 }

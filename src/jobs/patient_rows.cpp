@@ -1,6 +1,7 @@
 #include "jobs/patient_rows.h"
 
 #include <cstdio>
+#include <string>
 
 #include "store/connection.h"
 #include "store/record_entry_store.h"
@@ -13,7 +14,7 @@ bool InsertPatientWithFinder(PatientRecord& patient, const PatientFinderInfo& fi
     std::printf("\tERROR - Unable to create patient record for '%s'\n", shown_as);
     return false;
   }
-  if (UpdatePatientFinderInfo(patient_id, finder) != 0) {
+  if (UpdatePatientFinderInfoByKey(patient.id, finder) != 0) {
     std::printf("\tERROR - Unable to update patient finder info for '%s'\n", shown_as);
     return false;
   }
@@ -21,9 +22,7 @@ bool InsertPatientWithFinder(PatientRecord& patient, const PatientFinderInfo& fi
 }
 
 int InsertImportNote(const PatientRecord& patient) {
-  Text<128> note{};
-  note = "Patient record imported into Corvana\n-------------------------------------\n";
-  EscapeSql(note);
+  std::string note = EscapeSqlText("Patient record imported into Corvana\n-------------------------------------\n");
   return InsertRecordEntry(patient.id, note.c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0');
 }
 

@@ -26,13 +26,20 @@ std::string g_sql_mode_notice;
 // Set when the server stayed away past the limit: from then on statements
 // fail at once, as they would without waiting, until one gets through.
 bool g_gave_up_waiting = false;
+unsigned g_connections = 0;
 
 StatementTally g_tally;
 
-bool Prepare(const char* statement, std::initializer_list<SqlArg> args) {
+WriteObserver* g_observer = nullptr;
+bool g_in_transaction = false;
+void (*g_transaction_lost)(const char* why) = nullptr;
+// Tables a transactional run has found to be InnoDB (a handful: no index).
+std::vector<std::string> g_transactional_tables;
+
+bool Prepare(const char* statement, std::initializer_list<SqlArg> args, SqlTexts texts) {
   g_failure.clear();
   std::string reason;
-  if (FormatSql(g_statement, reason, statement, args)) return true;
+  if (FormatSql(g_statement, reason, statement, args, texts)) return true;
   g_failure = "Statement not sent: " + reason;
   ++g_tally.failed;
   return false;
@@ -111,30 +118,88 @@ bool WaitForServer(const char* why) {
   return false;
 }
 
-// Sends the prepared statement. When the server has gone away, waits for it
-// (so that the job's next statement finds it back) and sends again a
-// statement that never reached it; one whose outcome is unknown (the link
-// dropped while it ran) is sent again only when it is `idempotent` (a read).
-// Returns the library's result of the last attempt.
-int Send(bool idempotent) {
+bool ConnectionDropped(unsigned error) { return NeverReachedServer(error) || error == CR_SERVER_LOST; }
+
+// Sends `sql`. When the server has gone away, waits for it (so that the
+// job's next statement finds it back) and sends again a statement that never
+// reached it; one whose outcome is unknown (the link dropped while it ran) is
+// sent again only when it is `idempotent` (a read). Inside the run's
+// transaction nothing is waited for: the transaction is gone with the link.
+// `counted` statements are the job's own (tally, progress). Returns the
+// library's result of the last attempt.
+int SendText(const std::string& sql, bool idempotent, bool counted) {
   for (;;) {
-    ++g_tally.sent;
-    ProgressStatement();
-    int result = mysql_real_query(&g_connection, g_statement.data(), g_statement.size());
+    if (counted) {
+      ++g_tally.sent;
+      ProgressStatement();
+    }
+    int result = mysql_real_query(&g_connection, sql.data(), sql.size());
     if (result == 0) {
       g_gave_up_waiting = false;
-      CountRows(g_statement);
       return 0;
     }
     unsigned error = mysql_errno(&g_connection);
     g_failure = mysql_error(&g_connection);
+    if (g_in_transaction && ConnectionDropped(error) && g_transaction_lost != nullptr) {
+      g_in_transaction = false;
+      g_transaction_lost(g_failure.c_str());
+    }
     bool never_reached = NeverReachedServer(error);
-    bool back = (never_reached || error == CR_SERVER_LOST) && WaitForServer(g_failure.c_str());
+    bool back = !g_in_transaction && ConnectionDropped(error) && WaitForServer(g_failure.c_str());
     if (!back || !(never_reached || idempotent)) {
-      ++g_tally.failed;
+      if (counted) ++g_tally.failed;
       return result;
     }
   }
+}
+
+// Whether a transactional run may write `table`: only an InnoDB table rolls
+// back. Checked once per table.
+bool MayWriteInTransaction(const std::string& table) {
+  for (const std::string& known : g_transactional_tables) {
+    if (known == table) return true;
+  }
+  std::string refused = FirstNonTransactionalTable({table});
+  if (!refused.empty()) {
+    g_failure = "Statement not sent: table " + refused + " cannot be rolled back";
+    return false;
+  }
+  g_transactional_tables.push_back(table);
+  return true;
+}
+
+// Sends the prepared statement of the job, past the run's guards: inside the
+// run's transaction, a statement that would end it or write a table that
+// cannot roll back is refused; the write observer sees every write.
+int Send(bool idempotent) {
+  StatementParts parts;
+  bool writes = false;
+  if (g_in_transaction || g_observer != nullptr) {
+    parts = SplitStatement(g_statement);
+    writes = !parts.table.empty();
+    std::string why;
+    if (g_in_transaction && CommitsImplicitly(parts, g_statement)) {
+      why = "Statement not sent: it would end the run's transaction";
+    } else if (g_in_transaction && writes && !MayWriteInTransaction(parts.table)) {
+      why = g_failure;
+    } else if (writes && g_observer != nullptr && !g_observer->BeforeWrite(parts, why)) {
+      if (why.empty()) why = "Statement not sent: the journal could not record it";
+    }
+    if (!why.empty()) {
+      g_failure = why;
+      ++g_tally.failed;
+      return 1;
+    }
+  }
+  int result = SendText(g_statement, idempotent, true);
+  if (result != 0) return result;
+  CountRows(g_statement);
+  if (writes && g_observer != nullptr) {
+    my_ulonglong affected = mysql_affected_rows(&g_connection);
+    g_observer->AfterWrite(parts, affected == static_cast<my_ulonglong>(-1) ? 0 : affected,
+                           static_cast<long long>(mysql_insert_id(&g_connection)));
+  }
+  return 0;
 }
 
 // True when `mode` holds a flag that `permissive` does not: a stricter mode.
@@ -226,8 +291,11 @@ int ConnectDatabase(const char* server, const char* database, const char* user, 
     return 1;
   }
   UseCorvanaSqlMode();
+  ++g_connections;
   return 0;
 }
+
+unsigned ConnectionCount() { return g_connections; }
 
 const char* ConnectionCipher() {
   const char* cipher = mysql_get_ssl_cipher(&g_connection);
@@ -259,9 +327,34 @@ std::string EscapeSqlText(std::string_view text) {
   return escaped;
 }
 
-int ExecuteSql(const char* statement, std::initializer_list<SqlArg> args) {
-  if (!Prepare(statement, args)) return 1;
+namespace {
+
+int Execute(const char* statement, std::initializer_list<SqlArg> args, SqlTexts texts) {
+  if (!Prepare(statement, args, texts)) return 1;
   return Send(false);
+}
+
+SqlResult Query(const char* statement, std::initializer_list<SqlArg> args, SqlTexts texts) {
+  if (!Prepare(statement, args, texts)) return SqlResult();
+  if (Send(true) != 0) return SqlResult();
+  MYSQL_RES* result = mysql_store_result(&g_connection);
+  if (result == nullptr && mysql_errno(&g_connection) != 0) g_failure = mysql_error(&g_connection);
+  return SqlResult(result);
+}
+
+int FirstInt(SqlResult& result, int fallback) {
+  MYSQL_ROW row = result.NextRow();
+  return row != nullptr && row[0] != nullptr ? ToInt(row[0]) : fallback;
+}
+
+}  // namespace
+
+int ExecuteSql(const char* statement, std::initializer_list<SqlArg> args) {
+  return Execute(statement, args, SqlTexts::kAsGiven);
+}
+
+int ExecuteSql(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args) {
+  return Execute(statement, args, SqlTexts::kEscape);
 }
 
 const StatementTally& Tally() { return g_tally; }
@@ -269,17 +362,78 @@ const StatementTally& Tally() { return g_tally; }
 long long LastInsertId() { return static_cast<long long>(mysql_insert_id(&g_connection)); }
 
 SqlResult QuerySql(const char* statement, std::initializer_list<SqlArg> args) {
-  if (!Prepare(statement, args)) return SqlResult();
-  if (Send(true) != 0) return SqlResult();
+  return Query(statement, args, SqlTexts::kAsGiven);
+}
+
+SqlResult QuerySql(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args) {
+  return Query(statement, args, SqlTexts::kEscape);
+}
+
+int QueryInt(const char* statement, std::initializer_list<SqlArg> args, int fallback) {
+  SqlResult result = Query(statement, args, SqlTexts::kAsGiven);
+  return FirstInt(result, fallback);
+}
+
+int QueryInt(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args, int fallback) {
+  SqlResult result = Query(statement, args, SqlTexts::kEscape);
+  return FirstInt(result, fallback);
+}
+
+void SetWriteObserver(WriteObserver* observer) { g_observer = observer; }
+
+void SetTransactionLostHandler(void (*handler)(const char* why)) { g_transaction_lost = handler; }
+
+int BeginRunTransaction() {
+  // A reconnect would carry on outside the transaction, in autocommit.
+  my_bool reconnect = 0;
+  mysql_options(&g_connection, MYSQL_OPT_RECONNECT, &reconnect);
+  if (ExecuteDirect("START TRANSACTION") != 0) return 1;
+  g_in_transaction = true;
+  return 0;
+}
+
+int EndRunTransaction(bool commit) {
+  if (!g_in_transaction) return 1;
+  int result = ExecuteDirect(commit ? "COMMIT" : "ROLLBACK");
+  g_in_transaction = false;
+  return result;
+}
+
+std::string FirstNonTransactionalTable(const std::vector<std::string>& tables) {
+  if (tables.empty()) return "";
+  std::string sql =
+      "select table_name, engine from information_schema.tables where table_schema = database() and "
+      "table_name in (";
+  for (std::size_t i = 0; i < tables.size(); ++i) {
+    sql += (i > 0 ? ",'" : "'") + EscapeSqlText(tables[i]) + "'";
+  }
+  sql += ")";
+  SqlResult result = QueryDirect(sql);
+  while (MYSQL_ROW row = result.NextRow()) {
+    std::string engine = row[1] != nullptr ? row[1] : "";
+    if (!EqualsNoCase(engine.c_str(), "InnoDB")) {
+      return std::string(row[0] != nullptr ? row[0] : "") + " (" + (engine.empty() ? "a view" : engine) + ")";
+    }
+  }
+  return "";
+}
+
+SqlResult QueryDirect(const std::string& sql) {
+  g_failure.clear();
+  if (SendText(sql, true, false) != 0) return SqlResult();
   MYSQL_RES* result = mysql_store_result(&g_connection);
   if (result == nullptr && mysql_errno(&g_connection) != 0) g_failure = mysql_error(&g_connection);
   return SqlResult(result);
 }
 
-int QueryInt(const char* statement, std::initializer_list<SqlArg> args, int fallback) {
-  SqlResult result = QuerySql(statement, args);
-  MYSQL_ROW row = result.NextRow();
-  return row != nullptr && row[0] != nullptr ? ToInt(row[0]) : fallback;
+int ExecuteDirect(const std::string& sql) {
+  g_failure.clear();
+  return SendText(sql, false, false);
+}
+
+unsigned long long AffectedRows() {
+  my_ulonglong affected = mysql_affected_rows(&g_connection);
+  return affected == static_cast<my_ulonglong>(-1) ? 0 : affected;
 }
 
 SqlResult::~SqlResult() {

@@ -40,6 +40,11 @@ struct ConnectOptions {
 int ConnectDatabase(const char* server, const char* database, const char* user, const char* password, int port,
                     const ConnectOptions& options = {});
 
+// How many connections ConnectDatabase has opened in this process: lets a
+// store operation that keeps rows it read know when they belong to an
+// earlier connection (another database).
+unsigned ConnectionCount();
+
 // The TLS cipher of the connection, or "" when it is not encrypted.
 const char* ConnectionCipher();
 
@@ -68,27 +73,19 @@ const char* LastDbError();
 // connection. Returns `text`.
 char* EscapeSql(char* text);
 
-// Escapes a copy of `text` into a growing string; no size limit applies.
+// Escapes a copy of `text` into a growing string; no size limit applies, so
+// nothing of the text is ever cut. What the jobs use for record entry notes.
 std::string EscapeSqlText(std::string_view text);
 
-// Escapes `text` into the field; when the escaped form does not fit, it is cut
-// before the escape sequence that would not fit, so the result stays a safe
-// literal.
-template <std::size_t N>
-void EscapeSql(Text<N>& text) {
-  std::string escaped = EscapeSqlText(text.view());
-  std::size_t keep = escaped.size() < N - 1 ? escaped.size() : N - 1;
-  // Never keep the first half of a backslash pair.
-  std::size_t safe_end = 0;
-  for (std::size_t i = 0; i < keep; ++i) {
-    if (escaped[i] == '\\') {
-      if (i + 1 == keep) break;
-      ++i;
-    }
-    safe_end = i + 1;
-  }
-  text.Assign(std::string_view(escaped).substr(0, safe_end));
-}
+// Selects the statement calls below that escape every text of the statement
+// as it is formatted (SqlTexts::kEscape): ExecuteSql(kEscapeTexts, "...", {...}).
+// The row operations of the store and the jobs' own statements use them, so
+// a text taken from an input is escaped exactly once, in the statement, and
+// never cut by its escaped form; only an argument marked AlreadyEscaped is
+// sent as it is. The calls without it send texts as given (for callers that
+// escape their texts themselves).
+struct EscapeTexts {};
+inline constexpr EscapeTexts kEscapeTexts{};
 
 // Formats `statement` with `args` (see FormatSql) and sends it. Returns 0 on
 // success; the library's non-zero code when the server refused it; 1 when it
@@ -101,6 +98,61 @@ void EscapeSql(Text<N>& text) {
 // reports it rather than risk writing a row twice. Once the limit has passed
 // without the server, statements fail at once until one gets through.
 int ExecuteSql(const char* statement, std::initializer_list<SqlArg> args);
+int ExecuteSql(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args);
+
+// Every statement that writes a table, as the store sends it: the journal
+// of a run watches them through this interface.
+class WriteObserver {
+ public:
+  virtual ~WriteObserver() = default;
+  // Called before the statement is sent. Returning false refuses it (it is
+  // not sent and fails with `why`). It may read the database (QueryDirect).
+  virtual bool BeforeWrite(const StatementParts& parts, std::string& why) = 0;
+  // Called right after the server accepted it, with the rows it changed and
+  // the key it created (0 for none). It must not send anything, so that
+  // LastInsertId() still answers for the statement.
+  virtual void AfterWrite(const StatementParts& parts, unsigned long long affected, long long insert_id) = 0;
+};
+
+// Watches every write from now on (nullptr stops watching). The observer
+// must outlive the watching.
+void SetWriteObserver(WriteObserver* observer);
+
+// Opens the one transaction that holds the rest of the run (a dry run or an
+// atomic run). From then on the connection is not made again when it drops
+// (a new session would write outside the transaction and the server has
+// already rolled it back), and a statement that would end the transaction
+// by itself (DDL, LOCK TABLES, COMMIT, ...) or write a table that is not
+// transactional is refused. Returns 0, or 1 when the server refused (see
+// LastDbError).
+int BeginRunTransaction();
+
+// Commits (`commit`) or rolls back the run's transaction. Returns 0, or 1
+// when the server did not confirm it (see LastDbError).
+int EndRunTransaction(bool commit);
+
+// Called, instead of waiting for the server, when the connection drops while
+// the run's transaction is open: everything the run wrote is gone, so the
+// handler ends the run. `why` is the library's message.
+void SetTransactionLostHandler(void (*handler)(const char* why));
+
+// The first of `tables` (that the database holds) whose engine cannot roll
+// back (anything but InnoDB), as "name (engine)"; "" when all can. Missing
+// tables are not reported: their statements fail anyway.
+std::string FirstNonTransactionalTable(const std::vector<std::string>& tables);
+
+// Sends `sql` as it is, outside the run's statement counts, and takes its
+// whole result (an empty SqlResult on failure or for no result set). For the
+// store's own reads (the journal's before-images, undo); it waits for a lost
+// server like QuerySql.
+class SqlResult;
+SqlResult QueryDirect(const std::string& sql);
+
+// The same for a statement without a result. Returns 0 on success.
+int ExecuteDirect(const std::string& sql);
+
+// The rows the last statement changed.
+unsigned long long AffectedRows();
 
 // What the statements of this run did: how many were sent and how many
 // failed (refused before sending included), and per table the rows that the
@@ -145,6 +197,12 @@ class SqlResult {
   // bytes (a NUL byte inside the text included); empty for a null column.
   std::string_view ColumnBytes(MYSQL_ROW row, unsigned index) const;
 
+  // The columns: how many, their names, and the byte lengths of the row
+  // NextRow() returned last (texts may hold zero bytes).
+  unsigned FieldCount() const { return result_ != nullptr ? mysql_num_fields(result_) : 0; }
+  const char* FieldName(unsigned i) const { return mysql_fetch_fields(result_)[i].name; }
+  unsigned long* Lengths() const { return mysql_fetch_lengths(result_); }
+
   // How many rows the result holds (0 for none).
   unsigned long long size() const { return result_ != nullptr ? mysql_num_rows(result_) : 0; }
 
@@ -157,11 +215,13 @@ class SqlResult {
 // that went away like ExecuteSql, and being a read, is sent again also when
 // the link dropped while it ran.
 SqlResult QuerySql(const char* statement, std::initializer_list<SqlArg> args);
+SqlResult QuerySql(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args);
 
 // Formats and sends a SELECT and reads the first column of its first row as
 // an integer (atoi rules); `fallback` when the statement fails, there is no
 // row or the column is null.
 int QueryInt(const char* statement, std::initializer_list<SqlArg> args, int fallback);
+int QueryInt(EscapeTexts, const char* statement, std::initializer_list<SqlArg> args, int fallback);
 
 // Copies a column into `field`, a null column as the empty text.
 template <std::size_t N>

@@ -3,7 +3,8 @@
 #include "store/connection.h"
 
 int InsertRelease(int record_entry_id, const ReleaseRecord& r) {
-  return ExecuteSql("insert into releases(record_entry_id,patient_id,date,how_age,how_sex,band_number,band_size,"
+  return ExecuteSql(kEscapeTexts,
+                    "insert into releases(record_entry_id,patient_id,date,how_age,how_sex,band_number,band_size,"
                     "weight,released_by,location,city,state,county,comments,lat,lon,district,country,id_type,"
                     "tracker_type,details,pub_priv,aux_marker) values(%d,'%s','%s','%s','%s','%s','%s',%d,'%s',"
                     "'%s','%s','%s','%s','%s',%.6f,%.6f,'%s','%s','%s','%s','%s','%s','%s');",
@@ -15,7 +16,8 @@ int InsertRelease(int record_entry_id, const ReleaseRecord& r) {
 }
 
 int InsertTransfer(int record_entry_id, const TransferRecord& t) {
-  return ExecuteSql("insert into transfers(record_entry_id,patient_id,date,name,addr,city,state,zip,county,permit,"
+  return ExecuteSql(kEscapeTexts,
+                    "insert into transfers(record_entry_id,patient_id,date,name,addr,city,state,zip,county,permit,"
                     "reason,country) values(%d,'%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s');",
                     {record_entry_id, t.patient_id, t.date, t.name, t.addr, t.city, t.state, t.zip, t.county,
                      t.permit, t.reason, t.country}) != 0

@@ -1,6 +1,7 @@
 // Releases to the wild and transfers to other facilities: detail rows hung on
-// a record entry, naming the patient by its text case number. Texts are sent
-// unescaped.
+// a record entry, naming the patient by its text case number. Every text is
+// escaped here as the statement is formatted: callers hand them over as they
+// came from the input (a place from a job's own table included).
 #pragma once
 
 #include <cstdint>

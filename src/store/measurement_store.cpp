@@ -6,7 +6,8 @@
 #include "util/strings.h"
 
 int InsertBiometric(int record_entry_id, const BiometricRecord& r) {
-  return ExecuteSql("insert into biometric (record_entry_id,date,weight,wc,hallux,culmen,length,fork_length,"
+  return ExecuteSql(kEscapeTexts,
+                    "insert into biometric (record_entry_id,date,weight,wc,hallux,culmen,length,fork_length,"
                     "standard_length,girth,disc_width,disc_length,straight_NPN_length,curved_NPN_length,"
                     "straight_carapace_width,curved_carapace_width,sv_length) values (%d,'%s',%.6f,%.2f,%.2f,"
                     "%.2f,%.2f,%.2f,%.2f,%.2f,%.2f,%.2f,%.2f,%.2f,%.2f,%.2f,%.2f);",
@@ -18,19 +19,18 @@ int InsertBiometric(int record_entry_id, const BiometricRecord& r) {
 }
 
 int InsertPcv(int record_entry_id, const PcvRecord& r) {
-  return ExecuteSql("insert into pcv(record_entry_id,date,pcv,ts,serum,buffy) values(%d,'%s',%d,%.1f,'%s',%.1f);",
+  return ExecuteSql(kEscapeTexts,
+                    "insert into pcv(record_entry_id,date,pcv,ts,serum,buffy) values(%d,'%s',%d,%.1f,'%s',%.1f);",
                     {record_entry_id, r.date, r.pcv, r.ts, r.serum, r.buffy}) != 0
              ? 1
              : 0;
 }
 
 int InsertBandReport(int record_entry_id, const BandReportRecord& r) {
-  std::string finder_info = EscapeSqlText(r.finder_info.view());
-  std::string location = EscapeSqlText(r.location.view());
-  std::string notes = EscapeSqlText(r.notes.view());
-  return ExecuteSql("insert into band_report (record_entry_id,date,lat,lon,finder_info,location,notes,"
+  return ExecuteSql(kEscapeTexts,
+                    "insert into band_report (record_entry_id,date,lat,lon,finder_info,location,notes,"
                     "present_condition,how,band,aux_marker) values (%d,'%s',%f,%f,'%s','%s','%s',%d,%d,'%s','%s');",
-                    {record_entry_id, r.date, r.lat, r.lon, finder_info, location, notes, r.present_condition,
+                    {record_entry_id, r.date, r.lat, r.lon, r.finder_info, r.location, r.notes, r.present_condition,
                      r.how, r.band, r.aux_marker}) != 0
              ? 1
              : 0;
@@ -38,6 +38,7 @@ int InsertBandReport(int record_entry_id, const BandReportRecord& r) {
 
 int InsertWaterQuality(int location_record_entry_id, int location_id, const WaterQualityRecord& r) {
   return ExecuteSql(
+             kEscapeTexts,
              "insert into water_quality (location_record_entry_id,location_id,date,who,pH,temp,fecal_coliform,"
              "chlorine,salinity,nh3,no2,no3,do,phosphate,cu2,percent_abs,hardness,residual_ozone,orp,alk,ca2,"
              "copper_sulfate,chloroquine,kh,nh4,fe,sio2,co2,TAN) values (%d,%d,'%s','%s',%.4f,%.4f,%.4f,%.4f,"
@@ -53,6 +54,7 @@ int InsertWaterQuality(int location_record_entry_id, int location_id, const Wate
 
 int GetEnrichment(int id, EnrichmentRecord& r) {
   SqlResult result = QuerySql(
+      kEscapeTexts,
       "Select date_format(date,'%%Y-%%m-%%d'),type,who,what,goal,location,behavior,interactionLevel,"
       "interactionTime,overallTime,comments from enrichment where id = %d;",
       {id});

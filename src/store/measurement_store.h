@@ -93,12 +93,14 @@ struct EnrichmentRecord {
   Text<65536> comments;  // a TEXT column
 };
 
-// Each writes its row under the given record entry; 0 or 1. Texts unescaped.
+// Each writes its row under the given record entry; 0 or 1. Like every row
+// operation of this file, it escapes its texts itself as it formats the
+// statement: callers hand them over unescaped.
 int InsertBiometric(int record_entry_id, const BiometricRecord& record);
 int InsertPcv(int record_entry_id, const PcvRecord& record);
 
-// Escapes finder_info, location and notes itself (band and aux_marker are sent
-// as they are). The record is not changed. 0 or 1.
+// Escapes every text itself, as the statement is formatted. The record is not
+// changed. 0 or 1.
 int InsertBandReport(int record_entry_id, const BandReportRecord& record);
 
 // Writes a reading under a location record entry of location `location_id`.

@@ -1,9 +1,11 @@
 // The `patient` table: the in-memory patient row, its finder columns, the
 // meaning of the patient flags, and the row operations.
 //
-// Like every row operation, these do not escape the texts they send: a job
-// escapes free texts first. A text that would end its quoted value early
-// makes the operation fail without sending anything (LastDbError says why).
+// Like every row operation, these escape every text they send as they format
+// the statement (kEscapeTexts), so the jobs hand over texts as they came from
+// the input, never escaped, and a field's width applies to the text itself.
+// The same holds for the look-ups: a case number, band or marker is compared
+// as it was stored.
 #pragma once
 
 #include <cstdint>
@@ -115,21 +117,32 @@ void ResetPatientRecord(PatientRecord& record);
 void ResetFinderInfo(PatientFinderInfo& finder, const char* country, const char* state);
 
 // Inserts the row and stores its new key in `record.id`. Returns 0, or 1 on
-// failure (`id` left as it was).
+// failure (`id` left as it was). When another row already holds the case
+// number, says so on stderr (see NoteInsertedCaseNumber) and keeps the row.
 int InsertPatient(PatientRecord& record);
 
 // Rewrites every column of the row `record.id` from the record. 0 or 1.
 int UpdatePatient(const PatientRecord& record);
 
-// Writes the finder columns of the row with case number `patient_id`, in four
-// statements; stops at the first that fails. 0 when all four succeeded, else 1.
+// Writes the finder columns of every row with case number `patient_id`, in
+// four statements; stops at the first that fails. 0 when all four succeeded,
+// else 1.
 int UpdatePatientFinderInfo(const char* patient_id, const PatientFinderInfo& info);
 
-// Sets the location of the row with case number `patient_id`. 0 or 1.
+// The same statements for the one row with numeric key `key` ("where id=%d"):
+// what a job uses for a patient it has just inserted, since another row may
+// hold the same case number.
+int UpdatePatientFinderInfoByKey(int key, const PatientFinderInfo& info);
+
+// Sets the location of every row with case number `patient_id`. 0 or 1.
 int SetPatientLocation(const char* patient_id, const char* location);
 
+// Sets the location of the one row with numeric key `key`. 0 or 1.
+int SetPatientLocationByKey(int key, const char* location);
+
 // The numeric key of the row with case number `patient_id`; 0 when there is
-// none or the statement failed (0 is never a key).
+// none or the statement failed (0 is never a key). When several rows hold
+// it, the first the server returns, with a note on stderr.
 int GetPatientKey(const char* patient_id);
 
 // The key of the first row with this auxiliary marker (0 when none); copies

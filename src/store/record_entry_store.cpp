@@ -21,9 +21,10 @@ std::string ToLower(std::string text) {
 
 int InsertRecordEntry(int patient_key, const char* notes, const char* date, const char* who, float weight,
                       float keel, const char* location, char special) {
-  if (ExecuteSql("insert into record_entry (patient_id,notes,date,who,weight,keel,location,amountFed,special) "
+  if (ExecuteSql(kEscapeTexts,
+                 "insert into record_entry (patient_id,notes,date,who,weight,keel,location,amountFed,special) "
                  "values (%d,'%s','%s','%s',%f,%.1f,'%s',%d,'%c');",
-                 {patient_key, notes, date, who, weight, keel, location, -1, special}) != 0) {
+                 {patient_key, AlreadyEscaped(notes), date, who, weight, keel, location, -1, special}) != 0) {
     return -1;
   }
   return static_cast<int>(LastInsertId());
@@ -31,7 +32,8 @@ int InsertRecordEntry(int patient_key, const char* notes, const char* date, cons
 
 int InsertProblem(int patient_key, const char* description, unsigned char resolved, const char* initial_date) {
   int stored_resolved = IsNonProblem(description) ? 1 : resolved;
-  if (ExecuteSql("insert into problems (patient_id,description,resolved,initial_date) values (%d,'%s',%d,'%s');",
+  if (ExecuteSql(kEscapeTexts,
+                 "insert into problems (patient_id,description,resolved,initial_date) values (%d,'%s',%d,'%s');",
                  {patient_key, description, stored_resolved, initial_date}) != 0) {
     return -1;
   }
@@ -48,7 +50,7 @@ bool IsNonProblem(const char* description) {
 
 int GetSetting(const char* category, std::string& value) {
   value.clear();
-  SqlResult result = QuerySql("select value from settings where category='%s';", {category});
+  SqlResult result = QuerySql(kEscapeTexts, "select value from settings where category='%s';", {category});
   MYSQL_ROW row = result.NextRow();
   if (row == nullptr) return 1;
   if (row[0] != nullptr) value = row[0];
@@ -56,7 +58,8 @@ int GetSetting(const char* category, std::string& value) {
 }
 
 int InsertPatientAttribute(int patient_key, const PatientAttribute& attribute) {
-  return ExecuteSql("insert into attributes (patient_id,name,value,date) values (%d,'%s','%s','%s');",
+  return ExecuteSql(kEscapeTexts,
+                    "insert into attributes (patient_id,name,value,date) values (%d,'%s','%s','%s');",
                     {patient_key, attribute.name, attribute.value, attribute.date}) != 0
              ? 1
              : 0;
@@ -65,6 +68,7 @@ int InsertPatientAttribute(int patient_key, const PatientAttribute& attribute) {
 int GetPatientAttribute(int patient_key, const char* name, Text<128>& value) {
   value = "";
   SqlResult result = QuerySql(
+      kEscapeTexts,
       "select value from attributes where patient_id=%d and name='%s' order by date desc,id desc;",
       {patient_key, name});
   MYSQL_ROW row = result.NextRow();

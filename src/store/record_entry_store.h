@@ -1,7 +1,10 @@
 // A patient's history besides the patient row: dated record entries (on which
 // releases, transfers and measurements hang), the problem list, and named
 // attributes, plus the one application setting the problem list needs. All
-// refer to the patient by its numeric key. Texts are sent unescaped.
+// refer to the patient by its numeric key. Every text is escaped here as the
+// statement is formatted, except the notes of a record entry, which the
+// caller escapes (EscapeSqlText) before wrapping them, so that the stored
+// line breaks stay where the wrapping put them.
 #pragma once
 
 #include <string>
@@ -15,10 +18,12 @@ struct PatientAttribute {
   Text<64> value;
 };
 
-// Writes a record entry (amountFed always -1). `date` is a date and time such
-// as "2012-03-04 12:00:00"; `who` and `location` are "NA" when nobody or
-// nowhere is named; `special` is one character (the zero character is written
-// as an empty value). Returns the new entry's id, or -1 on failure.
+// Writes a record entry (amountFed always -1). `notes` must be escaped already
+// (EscapeSqlText), exactly once; every other text is escaped here. `date` is
+// a date and time such as "2012-03-04 12:00:00"; `who` and `location` are
+// "NA" when nobody or nowhere is named; `special` is one character (the zero
+// character is written as an empty value). Returns the new entry's id, or -1
+// on failure.
 int InsertRecordEntry(int patient_key, const char* notes, const char* date, const char* who, float weight,
                       float keel, const char* location, char special);
 

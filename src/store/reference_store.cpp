@@ -7,7 +7,8 @@
 #include "util/strings.h"
 
 int InsertSpecies(SpeciesRecord& r) {
-  if (ExecuteSql("insert into species (abbrev,scientific_name,common_name,nord,native,info_page,species_group,"
+  if (ExecuteSql(kEscapeTexts,
+                 "insert into species (abbrev,scientific_name,common_name,nord,native,info_page,species_group,"
                  "cost_category,state_soc,federal_soc,value,hms,habitat) values ('%s','%s','%s','%c','%c','%s',"
                  "'%s',%d,%d,%d,%.2f,'%c','%c');",
                  {r.abbrev, r.scientific_name, r.common_name, r.nord, r.native, r.info_page, r.species_group,
@@ -15,7 +16,8 @@ int InsertSpecies(SpeciesRecord& r) {
     return 1;
   }
   r.id = static_cast<int32_t>(LastInsertId());
-  return ExecuteSql("update species set kingdom='%s',phylum='%s',class='%s',_order='%s',family='%s',genus='%s',"
+  return ExecuteSql(kEscapeTexts,
+                    "update species set kingdom='%s',phylum='%s',class='%s',_order='%s',family='%s',genus='%s',"
                     "species='%s' where id=%d;",
                     {r.kingdom, r.phylum, r.class_, r._order, r.family, r.genus, r.species, r.id}) != 0
              ? 1
@@ -24,6 +26,7 @@ int InsertSpecies(SpeciesRecord& r) {
 
 int GetSpeciesByAbbrev(const char* abbrev, SpeciesRecord& r) {
   SqlResult result = QuerySql(
+      kEscapeTexts,
       "Select id,scientific_name,common_name,nord,native,info_page,species_group,cost_category,state_soc,"
       "federal_soc,kingdom,phylum,class,_order,family,genus,species,value,hms,habitat from species "
       "where abbrev = '%s';",
@@ -64,9 +67,7 @@ int GetSpeciesByAbbrev(const char* abbrev, SpeciesRecord& r) {
 }
 
 int GetSpeciesAbbrevByCommonName(const char* common_name, Text<16>& abbrev) {
-  // Escaped whole, so a long name is compared as it is rather than cut.
-  std::string escaped = EscapeSqlText(common_name);
-  SqlResult result = QuerySql("Select abbrev from species where common_name='%s'", {escaped});
+  SqlResult result = QuerySql(kEscapeTexts, "Select abbrev from species where common_name='%s'", {common_name});
   MYSQL_ROW row = result.NextRow();
   if (row == nullptr) return 1;
   CopyColumn(abbrev, row[0]);
@@ -74,7 +75,8 @@ int GetSpeciesAbbrevByCommonName(const char* common_name, Text<16>& abbrev) {
 }
 
 int InsertLocation(const LocationRecord& r) {
-  return ExecuteSql("insert into location(name,dimensions,capacity,special,feed_order,display_order,flags,alert,"
+  return ExecuteSql(kEscapeTexts,
+                    "insert into location(name,dimensions,capacity,special,feed_order,display_order,flags,alert,"
                     "x_coord,y_coord,combo_lock,curator,volume,description,flow_rate,level) values ('%s','%s',%d,"
                     "'%s',%.2f,%.2f,%d,'%s',%d,%d,'%s','%s',%.1f,'%s',%.1f,%d);",
                     {r.name, r.dimensions, r.capacity, r.special, r.feed_order, r.display_order, r.flags,
@@ -85,17 +87,18 @@ int InsertLocation(const LocationRecord& r) {
 }
 
 int GetLocationId(const char* name) {
-  SqlResult result = QuerySql("select id from location where name = '%s';", {name});
+  SqlResult result = QuerySql(kEscapeTexts, "select id from location where name = '%s';", {name});
   MYSQL_ROW row = result.NextRow();
   return row != nullptr && row[0] != nullptr ? ToInt(row[0]) : 0;
 }
 
-int CountSpecies() { return QueryInt("select count(*) from species;", {}, 0); }
+int CountSpecies() { return QueryInt(kEscapeTexts, "select count(*) from species;", {}, 0); }
 
-int CountLocations() { return QueryInt("select count(*) from location;", {}, 0); }
+int CountLocations() { return QueryInt(kEscapeTexts, "select count(*) from location;", {}, 0); }
 
 int InsertAddressBookEntry(AddressBookEntry& e) {
-  if (ExecuteSql("insert into addressBook (org,contactName,addr,addr2,city,state,zip,county,phone1,phone2,phone3,"
+  if (ExecuteSql(kEscapeTexts,
+                 "insert into addressBook (org,contactName,addr,addr2,city,state,zip,county,phone1,phone2,phone3,"
                  "email,permit,lookingFor,lat,lon,type,availability,notes,country,cellProvider,"
                  "daily_availability,dob,webAddress) values ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s',"
                  "'%s','%s','%s','%s',%.6f,%.6f,%d,'%s','%s','%s','%s',%d,'%s','%s');",

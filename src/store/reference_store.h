@@ -1,7 +1,9 @@
 // Reference tables that some jobs fill and others consult: `species` (what a
 // patient's species abbreviation names), `location` (enclosures, habitats,
-// tanks) and `addressBook` (organisations and people). Texts are sent
-// unescaped unless an operation says otherwise.
+// tanks) and `addressBook` (organisations and people). Every text, written or
+// looked up, is escaped here as the statement is formatted: callers hand
+// over texts as they came, so a name stored with an apostrophe is found by
+// the same name.
 #pragma once
 
 #include <cstdint>
@@ -95,7 +97,8 @@ int InsertSpecies(SpeciesRecord& record);
 int GetSpeciesByAbbrev(const char* abbrev, SpeciesRecord& record);
 
 // Looks up the abbreviation of the species with this common name (escaped
-// here). Returns 0 when found; 1 with `abbrev` left as it was otherwise.
+// here, whole however long). Returns 0 when found; 1 with `abbrev` left as it
+// was otherwise.
 int GetSpeciesAbbrevByCommonName(const char* common_name, Text<16>& abbrev);
 
 // Inserts the location; its key is not read back (see GetLocationId). 0 or 1.

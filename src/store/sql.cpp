@@ -1,7 +1,9 @@
 #include "store/sql.h"
 
 #include <cstdio>
+#include <cctype>
 #include <cstring>
+#include <vector>
 
 bool IsSafeLiteral(std::string_view value) {
   for (std::size_t i = 0; i < value.size(); ++i) {
@@ -14,6 +16,21 @@ bool IsSafeLiteral(std::string_view value) {
     }
   }
   return true;
+}
+
+void AppendEscapedSql(std::string& out, std::string_view text) {
+  for (char c : text) {
+    switch (c) {
+      case '\0': out += "\\0"; break;
+      case '\n': out += "\\n"; break;
+      case '\r': out += "\\r"; break;
+      case '\\': out += "\\\\"; break;
+      case '\'': out += "\\'"; break;
+      case '"': out += "\\\""; break;
+      case '\032': out += "\\Z"; break;
+      default: out.push_back(c); break;
+    }
+  }
 }
 
 namespace {
@@ -67,7 +84,7 @@ bool FormatOne(std::string& out, std::string_view conversion, const SqlArg& arg)
 }  // namespace
 
 bool FormatSql(std::string& out, std::string& error, const char* statement,
-               std::initializer_list<SqlArg> args) {
+               std::initializer_list<SqlArg> args, SqlTexts texts) {
   out.clear();
   error.clear();
   const SqlArg* next = args.begin();
@@ -100,6 +117,12 @@ bool FormatSql(std::string& out, std::string& error, const char* statement,
       error = "Value " + std::to_string(number) + " does not match its conversion";
       return false;
     }
+    if (in_literal && texts == SqlTexts::kEscape && !next->escaped && next->kind != SqlArg::Kind::kInteger &&
+        next->kind != SqlArg::Kind::kReal) {
+      std::string value = out.substr(before);
+      out.resize(before);
+      AppendEscapedSql(out, value);
+    }
     if (in_literal && !IsSafeLiteral(std::string_view(out).substr(before))) {
       error = "Value " + std::to_string(number) + " would end its quoted text early: '" +
               out.substr(before) + "'";
@@ -112,4 +135,149 @@ bool FormatSql(std::string& out, std::string& error, const char* statement,
     return false;
   }
   return true;
+}
+
+namespace {
+
+bool IsWordChar(char c) {
+  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '$' || c == '`' ||
+         static_cast<unsigned char>(c) >= 0x80;
+}
+
+// The index just past the quoted text that starts at `at` (a ', " or `),
+// with backslash escapes and doubled quotes; the end of `text` when it is
+// not closed.
+std::size_t SkipQuoted(std::string_view text, std::size_t at) {
+  char quote = text[at];
+  for (std::size_t i = at + 1; i < text.size(); ++i) {
+    if (text[i] == '\\' && quote != '`') {
+      ++i;
+    } else if (text[i] == quote) {
+      if (i + 1 < text.size() && text[i + 1] == quote) {
+        ++i;
+      } else {
+        return i + 1;
+      }
+    }
+  }
+  return text.size();
+}
+
+// The words of `text` outside quotes, with where each starts.
+struct Word {
+  std::string lower;
+  std::size_t start;
+  std::size_t end;
+};
+
+// Stops after `limit` words: an INSERT needs only its first few.
+std::vector<Word> Words(std::string_view text, std::size_t limit = static_cast<std::size_t>(-1)) {
+  std::vector<Word> words;
+  std::size_t i = 0;
+  while (i < text.size() && words.size() < limit) {
+    char c = text[i];
+    if (c == '\'' || c == '"') {
+      i = SkipQuoted(text, i);
+    } else if (IsWordChar(c)) {
+      std::size_t start = i;
+      while (i < text.size() && IsWordChar(text[i])) {
+        i = text[i] == '`' ? SkipQuoted(text, i) : i + 1;
+      }
+      std::string word;
+      for (char w : text.substr(start, i - start)) {
+        if (w != '`') word.push_back(static_cast<char>(std::tolower(static_cast<unsigned char>(w))));
+      }
+      words.push_back({word, start, i});
+    } else {
+      ++i;
+    }
+  }
+  return words;
+}
+
+std::string Unquoted(std::string_view name) {
+  std::string plain;
+  for (char c : name) {
+    if (c != '`') plain.push_back(c);
+  }
+  return plain;
+}
+
+}  // namespace
+
+StatementParts SplitStatement(std::string_view statement) {
+  StatementParts parts;
+  std::vector<Word> words = Words(statement, 1);
+  if (words.empty()) return parts;
+  parts.verb = words[0].lower;
+  if (parts.verb == "update" || parts.verb == "delete") {
+    words = Words(statement);
+  } else {
+    words = Words(statement, 6);
+  }
+  std::size_t table = 1;
+  if (parts.verb == "insert" || parts.verb == "replace") {
+    while (table < words.size() && (words[table].lower == "into" || words[table].lower == "ignore" ||
+                                    words[table].lower == "low_priority" || words[table].lower == "delayed")) {
+      ++table;
+    }
+  } else if (parts.verb == "delete") {
+    while (table < words.size() && words[table].lower != "from") ++table;
+    ++table;
+  } else if (parts.verb == "update") {
+    while (table < words.size() && (words[table].lower == "ignore" || words[table].lower == "low_priority")) ++table;
+  } else {
+    return parts;
+  }
+  if (table >= words.size()) return parts;
+  std::string_view name = statement.substr(words[table].start, words[table].end - words[table].start);
+  // "db.table": the table is what follows the dot.
+  std::size_t after = words[table].end;
+  if (after < statement.size() && statement[after] == '.' && table + 1 < words.size()) {
+    name = statement.substr(words[table + 1].start, words[table + 1].end - words[table + 1].start);
+  }
+  parts.table = Unquoted(name);
+  if (parts.verb != "update" && parts.verb != "delete") return parts;
+  for (std::size_t i = table + 1; i < words.size(); ++i) {
+    if (words[i].lower != "where") continue;
+    std::size_t end = statement.size();
+    for (std::size_t k = i + 1; k < words.size(); ++k) {
+      if ((words[k].lower == "order" && k + 1 < words.size() && words[k + 1].lower == "by") ||
+          words[k].lower == "limit") {
+        parts.has_order_or_limit = true;
+        end = words[k].start;
+        break;
+      }
+    }
+    std::string_view where = statement.substr(words[i].end, end - words[i].end);
+    while (!where.empty() && (where.back() == ';' || std::isspace(static_cast<unsigned char>(where.back())))) {
+      where.remove_suffix(1);
+    }
+    while (!where.empty() && std::isspace(static_cast<unsigned char>(where.front()))) where.remove_prefix(1);
+    parts.where = std::string(where);
+    return parts;
+  }
+  for (std::size_t i = table + 1; i < words.size(); ++i) {
+    if (words[i].lower == "limit" || (words[i].lower == "order" && i + 1 < words.size() && words[i + 1].lower == "by")) {
+      parts.has_order_or_limit = true;
+    }
+  }
+  return parts;
+}
+
+bool CommitsImplicitly(const StatementParts& parts, std::string_view statement) {
+  static constexpr const char* kCommitting[] = {
+      "alter",  "analyze", "begin",  "cache",    "change",  "commit", "create",   "drop",   "flush",
+      "grant",  "install", "load",   "lock",     "optimize", "purge", "rename",   "repair", "reset",
+      "revoke", "rollback", "start", "truncate", "uninstall", "unlock", "xa",
+  };
+  for (const char* verb : kCommitting) {
+    if (parts.verb == verb) return true;
+  }
+  if (parts.verb == "set") {
+    for (const Word& word : Words(statement)) {
+      if (word.lower == "autocommit" || word.lower == "@@autocommit" || word.lower == "transaction") return true;
+    }
+  }
+  return false;
 }

@@ -10,6 +10,7 @@ bool LineReader::CanRead() { return stream_.is_open() && stream_.CanRead(); }
 bool LineReader::ReadLine(std::string& line) {
   line.clear();
   last_was_cut_ = false;
+  last_line_ = line_;
   if (!stream_.is_open()) return false;
   while (line.size() < max_chars_) {
     int c = stream_.Next();

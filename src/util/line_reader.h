@@ -34,8 +34,13 @@ class LineReader {
   // True when the last ReadLine stopped at the length limit, not at a line end.
   bool last_was_cut() const { return last_was_cut_; }
 
+  // The line of the file (counted from 1) that the last ReadLine's text
+  // began on, as the log names a source line.
+  long long line_number() const { return last_line_; }
+
  private:
   long long line_ = 1;  // line of the file the next byte belongs to
+  long long last_line_ = 0;
   TextStream stream_;
   const std::size_t max_chars_;
   bool last_was_cut_ = false;

@@ -80,5 +80,3 @@ int ToInt(const char* text) {
   if (value < INT_MIN) return INT_MIN;
   return static_cast<int>(value);
 }
-
-bool IsBlank(std::string_view line) { return line.find_first_not_of(" \t\r\n") == std::string_view::npos; }

@@ -37,10 +37,6 @@ bool WrapLongLines(char* text, int width);
 // one more character of its line.
 bool WrapLongLines(std::string& text, int width);
 
-// True when `line` holds nothing but blanks, tabs and line ends: an empty
-// line of an export, which holds no record.
-bool IsBlank(std::string_view line);
-
 // True when `a` and `b` are equal ignoring ASCII letter case.
 bool EqualsNoCase(const char* a, const char* b);
 

@@ -70,4 +70,4 @@ int TakeEveryField(Tokenizer& tokenizer, char** fields, int count, const char* s
   return found;
 }
 
-bool IsBlankLine(std::string_view line) { return line.find_first_not_of(" \t\r\n") == std::string_view::npos; }
+bool IsEmptyLine(std::string_view line) { return line.find_first_not_of("\r\n") == std::string_view::npos; }

@@ -49,6 +49,7 @@ bool HasFields(int found, int needed, const char* identity);
 // by a separator gives at least k + 1. The missing fields are left null.
 int TakeEveryField(Tokenizer& tokenizer, char** fields, int count, const char* separators);
 
-// True when `line` holds nothing but blanks, tabs and line ends: it carries
-// no record at all.
-bool IsBlankLine(std::string_view line);
+// True when `line` holds nothing but its line end (or nothing at all): the
+// only line a job may pass over in silence. A line of blanks or tabs is not
+// empty; it goes through the job like any other and gets its messages.
+bool IsEmptyLine(std::string_view line);

@@ -125,6 +125,39 @@ class TablesTest(unittest.TestCase):
         self.assertEqual(row, ["KWRC patient", "25.0 s, 5.0 s, 8.2 MB", "52.0 s, 10.5 s, 8.3 MB", "2.08 2.10 1.01"])
 
 
+class TinyScaleTablesTest(unittest.TestCase):
+    """At --scale 0.01 a job can end within /usr/bin/time's resolution: a wall
+    time, CPU time or replay time of 0.00 prints "-" where a ratio needs it."""
+
+    # The same fields as TablesTest.RUNS: a job and its replay both measured
+    # at 0.00 s, then a job of no statements at all, at two sizes.
+    RUNS = ["CSAQ_FF invert_species_groups\t0.01\t310\t200 animals\t0.00\t0.00\t0.00\t7900\t2\t11\t0"
+            "\t13\t0\t0.00\t0.00\t0.00",
+            "HWC none\t0.01\t0\t1 lines\t0.00\t0.00\t0.01\t7800\t0\t0\t0\t2\t0\t0.00\t0.00\t0.01",
+            "HWC none\t0.02\t0\t1 lines\t0.00\t0.00\t0.00\t7800\t0\t0\t0\t-\t-\t-\t-\t-"]
+
+    def run_on_results(self, command):
+        with tempfile.NamedTemporaryFile("w") as f:
+            f.write("\n".join(self.RUNS) + "\n")
+            f.flush()
+            result = run_tool(command, f.name)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        return [re.split(r"\s{2,}", line) for line in result.stdout.decode().splitlines()[2:]]
+
+    def test_ratios_that_cannot_be_computed_print_a_dash(self):
+        cases = [  # table, row: the expected row
+            ("table", 0, ["CSAQ_FF invert_species_groups", "x0.01", "200 animals", "0.0 MB", "2", "11 (0 failed)",
+                          "0.0", "-", "-", "8.1 MB", "0.0", "-", "-", "+0.0", "-"]),
+            ("table", 1, ["HWC none", "x0.01", "1 lines", "0.0 MB", "0", "0 (0 failed)", "0.0", "0", "0.0%",
+                          "8.0 MB", "0.0", "0.0%", "1.000", "-", "1.000"]),
+            ("growth", 1, ["HWC none", "0.0 s, 0.0 s, 8.0 MB", "0.0 s, 0.0 s, 8.0 MB", "0.00 - 1.00"]),
+            ("growth", 0, ["CSAQ_FF invert_species_groups", "0.0 s, 0.0 s, 8.1 MB", ""]),
+        ]
+        for command, index, expected in cases:
+            with self.subTest(command=command, row=index):
+                self.assertEqual(self.run_on_results(command)[index], expected)
+
+
 def generate(script, out, *args):
     subprocess.run([sys.executable, os.path.join(GEN, script), "--seed", "7", "--out", out] + list(args),
                    check=True, capture_output=True)

@@ -90,8 +90,8 @@ TEST_F(ImporterTest, TableMissingFromTheSchema) {
     int imported;          // cases counted as imported (a case without its release is not)
   };
   const Case cases[] = {
-      {"problems", "Unable to create problem record for '", 31, 17},
-      {"releases", "Error creating release record for patient id '", 8, 9},
+      {"problems", "Unable to create problem record for '", 31, 18},
+      {"releases", "Error creating release record for patient id '", 8, 10},
   };
   std::string expected = ReadFile(std::string(CORVANA_SOURCE_DIR) + "/tests/jobs/kwrc/expected/kwrc_2012.log");
   for (const Case& c : cases) {

@@ -20,7 +20,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FuzzInput input(data, size);
   const char* text = input.Next();
   (void)StripDateQualifier(text);
-  (void)IsExportDate(text);
   int count = 0;
   ReadCount(text, count);
   double value = 0;

@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::string line;
   while (reader.ReadLine(line)) {
     (void)reader.last_was_cut();
-    (void)IsBlankLine(line);
+    (void)IsEmptyLine(line);
 
     Tokenizer runs(line);
     char* fields[12] = {};

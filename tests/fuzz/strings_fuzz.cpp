@@ -28,7 +28,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   WrapLongLines(copy.data(), width);
   copy = text;
   WrapLongLines(copy.data(), 80);
-  (void)IsBlank(text);
   (void)EqualsNoCase(text.c_str(), other.c_str());
   (void)ToInt(text.c_str());
   return 0;

@@ -18,7 +18,7 @@ after=$(cd "$work/operator" && find . -type f -exec md5sum {} + | sort)
 [[ $before == "$after" ]] || fail "the operator's folder changed"
 
 grep -q '^  patient  *16$' "$work/output" || fail "no patient count: $(cat "$work/output")"
-grep -q '^  record_entry  *15$' "$work/output" || fail "no record_entry count"
+grep -q '^  record_entry  *16$' "$work/output" || fail "no record_entry count"
 grep -q '^== First rows of patient' "$work/output" || fail "no rows shown"
 grep -q 'species: Saker' "$work/output" || fail "no row content shown"
 grep -q '^== Summary of GLFH - patient - 2012' "$work/output" || fail "no summary"

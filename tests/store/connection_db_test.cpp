@@ -36,18 +36,32 @@ TEST_F(ConnectionTest, EscapeSql) {
     EXPECT_STREQ(EscapeSql(buffer), expected);
     EXPECT_EQ(EscapeSqlText(input), expected);
   }
-  // Escaping into a field that is too small never keeps half an escape.
-  Text<6> field{};
-  field = "abcd'";
-  EscapeSql(field);
-  EXPECT_EQ(field, "abcd");
+  // The escape of the statements agrees with the client library's for every byte.
+  std::string every_byte;
+  for (int c = 0; c < 256; ++c) every_byte.push_back(static_cast<char>(c));
+  std::string escaped;
+  AppendEscapedSql(escaped, every_byte);
+  EXPECT_EQ(escaped, EscapeSqlText(every_byte));
 }
 
-TEST_F(ConnectionTest, AQuotedCaseNumberFailsItsOwnUpdateOnly) {
-  Exec("insert into patient(patient_id,location) values ('2012-0001','Flight pen'),('2012-0002','ICU')");
-  EXPECT_EQ(SetPatientLocation("x' or '1'='1", "Clinic"), 1);
-  EXPECT_NE(std::string(LastDbError()).find("quoted text early"), std::string::npos) << LastDbError();
-  EXPECT_EQ(Rows("select location from patient order by id"), (std::vector<std::string>{"Flight pen", "ICU"}));
+TEST_F(ConnectionTest, AQuotedCaseNumberChangesNoOtherRow) {
+  Exec("insert into patient(patient_id,location) values ('2012-0001','Flight pen'),('2012-0002','ICU'),"
+       "('O''Hara-1','Yard')");
+  // The store escapes it: the statement runs, names no row but its own.
+  EXPECT_EQ(SetPatientLocation("x' or '1'='1", "Clinic"), 0) << LastDbError();
+  EXPECT_EQ(SetPatientLocation("O'Hara-1", "Clinic's pen"), 0) << LastDbError();
+  EXPECT_EQ(Rows("select location from patient order by id"),
+            (std::vector<std::string>{"Flight pen", "ICU", "Clinic's pen"}));
+
+  // The safety net for a text that missed its escape: refused before sending.
+  for (int texts_escaped = 0; texts_escaped < 2; ++texts_escaped) {
+    const char* statement = "update patient set location='%s';";
+    int result = texts_escaped ? ExecuteSql(kEscapeTexts, statement, {AlreadyEscaped("x' or '1'='1")})
+                               : ExecuteSql(statement, {"x' or '1'='1"});
+    EXPECT_EQ(result, 1);
+    EXPECT_NE(std::string(LastDbError()).find("quoted text early"), std::string::npos) << LastDbError();
+  }
+  EXPECT_EQ(Value("select count(*) from patient where location='Clinic'"), "0");
 
   // A server error is reported in the server's words.
   EXPECT_NE(ExecuteSql("update no_such_table set a=1;", {}), 0);
@@ -62,6 +76,23 @@ TEST_F(ConnectionTest, QueryResults) {
   while (MYSQL_ROW row = result.NextRow()) rows.push_back(std::string(row[0]) + "|" + (row[1] ? row[1] : "NULL"));
   EXPECT_EQ(rows, (std::vector<std::string>{"a|1", "b|NULL"}));
   EXPECT_FALSE(QuerySql("select nonsense from nowhere;", {}));
+}
+
+// Inside the run's transaction a statement that would commit it is refused
+// unsent, a failing statement fails alone, and a rollback takes back the rest.
+TEST_F(ConnectionTest, RunTransactionRefusesImplicitCommits) {
+  ASSERT_EQ(BeginRunTransaction(), 0);
+  EXPECT_EQ(ExecuteSql("insert into settings(category,value) values ('a','1');", {}), 0);
+  EXPECT_NE(ExecuteSql("insert into no_such_table values (1);", {}), 0);
+  for (const char* statement : {"create table x (a int);", "commit;", "lock tables settings write;"}) {
+    EXPECT_EQ(ExecuteSql(statement, {}), 1) << statement;
+    EXPECT_NE(std::string(LastDbError()).find("would end the run's transaction"), std::string::npos) << LastDbError();
+  }
+  EXPECT_EQ(QueryInt("select count(*) from settings;", {}, -1), 1);
+  EXPECT_EQ(Value("select count(*) from settings"), "0");  // not committed
+  EXPECT_EQ(EndRunTransaction(false), 0);
+  EXPECT_EQ(QueryInt("select count(*) from settings;", {}, -1), 0);
+  EXPECT_EQ(Rows("show tables like 'x'").size(), 0u);
 }
 
 using ConnectionOnStockServerTest = OnStockServer<ConnectionTest>;

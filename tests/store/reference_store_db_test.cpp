@@ -32,6 +32,17 @@ TEST_F(ReferenceStoreTest, Species) {
   abbrev = "";
   EXPECT_EQ(GetSpeciesAbbrevByCommonName("Harris's Hawk", abbrev), 1);
   EXPECT_TRUE(abbrev.empty());
+
+  // A common name with quotes at the field's width is stored whole and found by itself.
+  s = {};
+  s.abbrev = "LUWA";
+  const std::string name = "Lucy's \"desert\" warbler " + std::string(39, 'w');
+  s.common_name = name;
+  ASSERT_EQ(s.common_name.size(), 63u);
+  ASSERT_EQ(InsertSpecies(s), 0) << LastDbError();
+  EXPECT_EQ(Value("select common_name from species where abbrev='LUWA'"), name);
+  EXPECT_EQ(GetSpeciesAbbrevByCommonName(name.c_str(), abbrev), 0);
+  EXPECT_EQ(abbrev, "LUWA");
 }
 
 TEST_F(ReferenceStoreTest, LocationsAndAddressBook) {
@@ -42,6 +53,11 @@ TEST_F(ReferenceStoreTest, LocationsAndAddressBook) {
   EXPECT_EQ(std::to_string(GetLocationId("Flight Pen 2")), Value("select id from location"));
   EXPECT_EQ(Value("select volume from location"), "1200.2");  // one decimal
   EXPECT_EQ(GetLocationId("Owl's Barn"), 0);
+  l.name = "Owl's Barn";
+  l.description = "The owls' barn, \\ wing";
+  ASSERT_EQ(InsertLocation(l), 0) << LastDbError();
+  EXPECT_GT(GetLocationId("Owl's Barn"), 0);
+  EXPECT_EQ(Value("select description from location where name='Owl''s Barn'"), "The owls' barn, \\ wing");
 
   AddressBookEntry e{};
   e.org = "Sonoran Wildlife Vets";

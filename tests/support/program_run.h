@@ -10,11 +10,13 @@ struct ProgramRun {
   std::string output;  // standard output, byte for byte
   std::string errors;  // standard error before the summary: notices for the operator
   std::string summary;  // the summary the program prints on stderr after a job
+  std::string journal;  // the journal the run named on stderr (taken out of `errors`), or ""
 };
 
 // Runs the program in `dir` (its current directory) with `args`. Fails the
 // test when the program crashes, a sanitizer reports, or it runs longer than
-// two minutes (it is then stopped and `exit_code` is 124).
+// two minutes (it is then stopped and `exit_code` is 124). Exit codes 0 to 3
+// are the program's own; any other fails the test.
 ProgramRun RunProgram(const std::string& dir, const std::vector<std::string>& args);
 
 // The same as a user without privileges (the "nobody" user when the tests

@@ -50,9 +50,12 @@ TEST(TokenizerTest, TakeEveryFieldCountsTheSeparators) {
       EXPECT_EQ(fields[found], nullptr) << line;
     }
   }
-  EXPECT_TRUE(IsBlankLine(" \t\r\n"));
-  EXPECT_TRUE(IsBlankLine(""));
-  EXPECT_FALSE(IsBlankLine("\t.\n"));
+  // Only a line with nothing before its line end is empty: blanks and tabs
+  // are a line's content.
+  EXPECT_TRUE(IsEmptyLine("\r\n"));
+  EXPECT_TRUE(IsEmptyLine(""));
+  EXPECT_FALSE(IsEmptyLine(" \t\r\n"));
+  EXPECT_FALSE(IsEmptyLine("\t\n"));
 }
 
 TEST(TokenizerTest, HasFieldsReportsShortLines) {

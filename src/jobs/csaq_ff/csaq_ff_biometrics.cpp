@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "jobs/csaq_ff/csaq_ff_export.h"
+#include "jobs/csaq_ff/csaq_ff_patient_finder.h"
 #include "store/connection.h"
 #include "store/measurement_store.h"
 #include "store/patient_store.h"
@@ -41,14 +42,12 @@ class PatientFinder {
  public:
   // The first patient of `species` whose notes end with `tag`; 0 when none.
   int BySpecies(const char* species, const std::string& tag) {
-    return Cached(std::string(species) + '\n' + tag, [&] {
-      return QueryInt("select id from patient where species='%s' and notes like '%%%s';", {species, tag}, 0);
-    });
+    return Cached(std::string(species) + '\n' + tag, [&] { return notes_.Find(species, tag); });
   }
   // The first patient whose notes end with `tag`; 0 when none or the tag is empty.
   int ByTag(const std::string& tag) {
     if (tag.empty()) return 0;  // would match every patient
-    return Cached(tag, [&] { return QueryInt("select id from patient where notes like '%%%s';", {tag}, 0); });
+    return Cached(tag, [&] { return notes_.Find(nullptr, tag); });
   }
 
  private:
@@ -60,6 +59,7 @@ class PatientFinder {
     keys_.emplace(key, key_id);
     return key_id;
   }
+  NotesTagFinder notes_;
   std::unordered_map<std::string, int> keys_;
 };
 

@@ -30,11 +30,13 @@ int MarkSpecies(const std::string& line) {
   }
   std::printf("%s: %s\n", name, abbrev.c_str());
   int errors = 0;
-  if (ExecuteSql("update species set species_group='%s' where abbrev='%s';", {kInvertebrate, abbrev}) != 0) {
+  if (ExecuteSql(kEscapeTexts, "update species set species_group='%s' where abbrev='%s';",
+                 {kInvertebrate, abbrev}) != 0) {
     std::printf("\tError: not update species record for '%s'\n", abbrev.c_str());
     ++errors;
   }
-  if (ExecuteSql("update patient set species_group='%s' where species='%s';", {kInvertebrate, abbrev}) != 0) {
+  if (ExecuteSql(kEscapeTexts, "update patient set species_group='%s' where species='%s';",
+                 {kInvertebrate, abbrev}) != 0) {
     std::printf("\tError: not update patient record for '%s'\n", abbrev.c_str());
     ++errors;
   }

@@ -23,7 +23,7 @@ bool InsertFfPatient(PatientRecord& patient, const PatientFinderInfo& finder, co
     std::printf("ERROR: Unable to create patient record for '%s'\n", identity);
     return false;
   }
-  if (UpdatePatientFinderInfo(patient.patient_id.c_str(), finder) != 0) {
+  if (UpdatePatientFinderInfoByKey(patient.id, finder) != 0) {
     std::printf("ERROR: Unable to update patient finder info for '%s'\n", identity);
     return false;
   }

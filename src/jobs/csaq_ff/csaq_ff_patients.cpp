@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -67,15 +68,16 @@ class CollectionSources {
     return found != census_.end() ? found->second : nullptr;
   }
 
-  // The species group stored with `abbrev`, or null when there is no such
-  // species (or it has no group). Asked of the server once per species.
+  // The species group stored with `abbrev` (empty for a species without
+  // one), or null when there is no such species. Asked of the server once
+  // per species.
   const char* SpeciesGroup(const char* abbrev) {
     auto [group, added] = species_groups_.try_emplace(abbrev);
     if (added) {
       SpeciesRecord species{};
-      if (GetSpeciesByAbbrev(abbrev, species) == 0) group->second = species.species_group.view();
+      if (GetSpeciesByAbbrev(abbrev, species) == 0) group->second = std::string(species.species_group.view());
     }
-    return group->second.empty() ? nullptr : group->second.c_str();
+    return group->second.has_value() ? group->second->c_str() : nullptr;
   }
 
   const HabitatIndex habitats;
@@ -84,7 +86,7 @@ class CollectionSources {
  private:
   std::unordered_map<std::string, std::vector<const XmlNode*>> husbandry_;
   std::unordered_map<std::string, const XmlNode*> census_;
-  std::unordered_map<std::string, std::string> species_groups_;
+  std::unordered_map<std::string, std::optional<std::string>> species_groups_;
 };
 
 // Converts the row's `element` into `out` when it is there. Returns false,

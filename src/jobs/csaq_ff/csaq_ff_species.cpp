@@ -173,7 +173,7 @@ void WriteTaxonomySettings(TaxonomySets& sets) {
     names.Sort([](const std::string& a, const std::string& b) { return std::strcmp(a.c_str(), b.c_str()); }, 1);
     for (int i = 0; i < names.Count(); ++i) {
       // A name the server refuses is left out; the others still go in.
-      ExecuteSql("insert into settings(category,value) values ('Taxonomy_%s','%s');",
+      ExecuteSql(kEscapeTexts, "insert into settings(category,value) values ('Taxonomy_%s','%s');",
                  {output.category, *names.At(i)});
     }
   }
@@ -233,7 +233,6 @@ int ImportCsaqFfSpecies() {
     }
     species.abbrev = abbrev;
     species.species_group = CsaqFfSpeciesGroup(species);
-    EscapeSql(species.common_name);
     if (species.abbrev == kOwlAbbrev) species.info_page = kOwlInfoPage;
     if (InsertSpecies(species) != 0) {
       std::printf("Unable to create species record for '%s'!\n", species.common_name.c_str());

@@ -61,10 +61,15 @@ const char* TestHabitatId(const XmlNode* row) {
   return id != nullptr ? id : FieldText(row, "Habitat");
 }
 
+// The date of a test that has none. An empty date text at noon would read
+// as " 12:00:00", which the server stores as a made-up year.
+constexpr const char* kNoDate = "0000-00-00";
+
 // Sets the reading's date; a bad or missing date is reported, counted, and
-// leaves the date empty.
+// leaves the zero date.
 void ReadTestDate(const XmlNode* row, const char* id, const char* label, WaterQualityRecord& reading,
                   int& errors) {
+  reading.date = kNoDate;
   const char* date = FieldText(row, "Date");
   if (date == nullptr) {
     std::printf("Invalid or missing date for '%s' - '%s'\n", id, label);
@@ -76,6 +81,8 @@ void ReadTestDate(const XmlNode* row, const char* id, const char* label, WaterQu
   if (ParseExportDate(text.data(), reading.date) != 0) {
     std::printf("Invalid date '%s' for habitat '%s' - '%s'\n", date, id, label);
     ++errors;
+  } else if (reading.date.empty()) {
+    reading.date = kNoDate;  // a text that starts with its time: nothing before the 'T'
   }
 }
 
@@ -98,7 +105,8 @@ class LocationIds {
 // Writes the tank's log entry and the reading on it; returns true when both were stored.
 bool WriteReading(const char* label, int location_id, const WaterQualityRecord& reading, int& errors) {
   std::string noon = std::string(reading.date.view()) + " 12:00:00";
-  if (ExecuteSql("insert into location_record_entry (location_id,notes,date,who) values (%d,'','%s','%s');",
+  if (ExecuteSql(kEscapeTexts,
+                 "insert into location_record_entry (location_id,notes,date,who) values (%d,'','%s','%s');",
                  {location_id, noon, reading.who}) != 0) {
     std::printf("Unable to create enclosure record entry for  '%s':%d\n", label, location_id);
     ++errors;

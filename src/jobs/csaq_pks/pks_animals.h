@@ -24,6 +24,10 @@ struct AnimalRecord {
   // that insert failed (0 is never a patient key).
   PatientRecord patient;
   PatientFinderInfo finder;
+  // Its case number belongs to another record of the run (an animal without
+  // an admission date filed as 2000-00001 beside one admitted in 2000): it
+  // gets no patient row and no rows of its own.
+  bool refused = false;
 };
 
 // Positions (0-based, inclusive) of one unbroken run of records that share a

@@ -39,10 +39,6 @@ bool InitialCensus::Read(const char* local_id, InitialCounts& counts) const {
     std::printf("\tERROR - census date missing for '%s'\n", local_id);
     return false;
   }
-  if (!IsExportDate(date)) {
-    std::printf("\tERROR - census date '%s' is no date for '%s'\n", date, local_id);
-    return false;
-  }
   counts.date = date;
   if (char* t = std::strchr(counts.date.data(), 'T')) *t = '\0';
   int* fields[] = {&counts.male, &counts.female, &counts.other};

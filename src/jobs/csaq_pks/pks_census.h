@@ -27,8 +27,8 @@ class InitialCensus {
 
   // Reads the first census record of `local_id`. Returns false without a
   // message when there is none. Prints "\tERROR - census date missing for
-  // '%s'\n" and returns false when it has no CensusDate; a CensusDate that is
-  // no date, or a count that is no number, is reported too and gives false.
+  // '%s'\n" and returns false when it has no CensusDate; a count that is no
+  // number is reported too and gives false. The date is taken as it stands.
   // A missing Male, Female or Other count reads as 0.
   bool Read(const char* local_id, InitialCounts& counts) const;
 

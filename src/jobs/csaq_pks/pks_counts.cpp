@@ -27,6 +27,7 @@ constexpr int kGroupLineTokens = 6;  // "GROUP:", Local_ID, date, male, female, 
 // without regard to letter case.
 int FindGroupPatientKey(const char* local_id) {
   SqlResult result = QuerySql(
+      kEscapeTexts,
       "select p.id from patient p, attributes a where a.patient_id=p.id and a.name='GROUP' and a.value='%s';",
       {local_id});
   MYSQL_ROW row = result.NextRow();
@@ -133,6 +134,7 @@ void DisposeIndividuals(ZooImport& job, const AnimalRun& run, const CensusCount&
     AnimalRecord& animal = job.animals[position];
     if (animal.patient.status != "PR") continue;
     ++handled;
+    if (animal.refused) continue;
     DisposeAnimal(animal, InsertCensusEntry(animal, "", count), count, false);
   }
 }
@@ -144,7 +146,7 @@ void RecordGroupCount(AnimalRecord& group, const CensusCount& count) {
   text.Format("Census update\n---------------\nType: %s\nMethod: %s\nM=%d, F=%d, UNK=%d, Group=%d, Change=%d",
               count.type.c_str(), count.method.c_str(), count.male, count.female, count.other, count.group,
               count.change);
-  int entry_id = InsertCensusEntry(group, text.c_str(), count);
+  int entry_id = InsertCensusEntry(group, EscapeSqlText(text).c_str(), count);
   if (InsertCensusAttribute(PatientKey(group), count.census_date, count.male, count.female, count.other) != 0) {
     std::printf("\tERROR: can't create patient attribute record for '%s'\n", count.local_id);
   }
@@ -187,11 +189,6 @@ void WriteCensusCount(ZooImport& job, const XmlNode* record) {
     return;
   }
   if (!ReadCounts(record, count)) return;
-  if (!IsExportDate(count.census_date)) {
-    std::printf("\tERROR: Processing census counts - invalid date '%s' for '%s'\n", count.census_date,
-                count.local_id);
-    return;
-  }
   bool group_patient = (job.animals[run.first].patient.flags & kFlagGroupOfAnimals) != 0;
   if (count.male == 0 && count.female == 0 && count.other == 0 && count.change == 0) return;
   const char* method = XmlChildText(record, "CensusMethodType");
@@ -213,7 +210,7 @@ void WriteCensusCount(ZooImport& job, const XmlNode* record) {
   std::printf("%s %s %s - %d %d %d - %d - %s %d\n", count.local_id, count.census_date, count.method.c_str(),
               count.male, count.female, count.other, count.group, count.type.c_str(), count.change);
   if (group_patient) {
-    RecordGroupCount(job.animals[run.first], count);
+    if (!job.animals[run.first].refused) RecordGroupCount(job.animals[run.first], count);
   } else {
     DisposeIndividuals(job, run, count);
   }

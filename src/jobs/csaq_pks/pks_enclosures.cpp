@@ -40,7 +40,7 @@ constexpr const char* kFallsLake = "Falls Lake";
 constexpr const char* kFallsLakeReservoir = "Falls Lake Reservoir";
 
 // One location from an enclosure record, ready to insert: texts without their
-// first apostrophe, escaped.
+// first apostrophe (the store escapes what is left).
 LocationRecord MakeLocation(const char* enclosure, const char* identifier, int flags) {
   LocationRecord location{};
   location.name = identifier[0] != '\0' ? identifier : enclosure;
@@ -48,8 +48,6 @@ LocationRecord MakeLocation(const char* enclosure, const char* identifier, int f
   location.flags = flags;
   DropFirstApostrophe(location.name.data());
   DropFirstApostrophe(location.description.data());
-  EscapeSql(location.name);
-  EscapeSql(location.description);
   return location;
 }
 

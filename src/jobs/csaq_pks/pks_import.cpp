@@ -38,7 +38,7 @@ struct FileCloser {
 // longer resident. Rows already in the table would get duplicate ids and
 // lose their locations.
 bool PatientTableIsEmpty() {
-  SqlResult result = QuerySql("select count(*) from patient;", {});
+  SqlResult result = QuerySql(kEscapeTexts, "select count(*) from patient;", {});
   MYSQL_ROW row = result.NextRow();
   if (row == nullptr || row[0] == nullptr) {
     std::printf("\tERROR: Unable to count the rows of the patient table: %s\n", LastDbError());
@@ -54,8 +54,12 @@ bool PatientTableIsEmpty() {
 }
 
 // The measurements and moves are read only after the patient rows are
-// written: a missing one must stop the job before it writes anything.
-bool LateExportsArePresent() {
+// written: one that is missing or cannot be parsed must stop the job before
+// it writes anything, with the message of the pass that reads it. Each is
+// parsed here and let go again, so that the peak stays that of the largest
+// document. The other exports are parsed before the first write anyway (the
+// census and notes files, read again later, by the first and fourth passes).
+bool LateExportsParse() {
   struct LateExport {
     const char* file;
     const char* what;  // as the pass that reads it names it
@@ -65,8 +69,8 @@ bool LateExportsArePresent() {
       {kMovesFile, "enclosure moves"},
   };
   for (const LateExport& late : kLateExports) {
-    std::unique_ptr<std::FILE, FileCloser> file(std::fopen(late.file, "rb"));
-    if (file == nullptr) {
+    XmlDocument document;
+    if (XmlLoadFile(document, late.file) != 0) {
       std::printf("Unable to parse %s file '%s'\n", late.what, late.file);
       return false;
     }
@@ -224,8 +228,8 @@ bool LoadAnimals(ZooImport& job) {
 }
 
 int ImportZooRecords() {
-  if (!PatientTableIsEmpty() || !LateExportsArePresent()) return 1;
   try {
+    if (!PatientTableIsEmpty() || !LateExportsParse()) return 1;
     ZooImport job;
     int number = 0;
     for (const PassStep& pass : kPasses) {

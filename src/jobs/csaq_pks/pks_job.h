@@ -10,6 +10,7 @@
 #include "jobs/csaq_pks/pks_animals.h"
 #include "jobs/csaq_pks/pks_census.h"
 #include "jobs/csaq_pks/pks_species.h"
+#include "store/case_numbers.h"
 #include "store/record_entry_store.h"
 #include "util/progress.h"
 #include "xml/xml_document.h"
@@ -41,6 +42,7 @@ struct ZooImport {
   InitialCensus initial_census;
   XmlDocument work;  // the file of the current pass
   std::vector<IdentifierAttribute> identifier_attributes;
+  RunCaseNumbers case_numbers;  // given by the patient id and patient passes
   std::string pass;  // "Pass 4 of 15: note events": what the progress line shows
 };
 

@@ -40,11 +40,12 @@ void LocationNames::Add(const char* name, const char* description) {
   entry.description = description;
   entries_.push_back(entry);
   by_description_.emplace(std::string(entry.description.view()), static_cast<int32_t>(entries_.size() - 1));
+  by_name_.emplace(std::string(entry.name.view()), static_cast<int32_t>(entries_.size() - 1));
 }
 
 int LocationNames::Load() {
   int rows = 0;
-  SqlResult result = QuerySql("Select name,description from location;", {});
+  SqlResult result = QuerySql(kEscapeTexts, "Select name,description from location;", {});
   while (MYSQL_ROW row = result.NextRow()) {
     Add(row[0] != nullptr ? row[0] : "", row[1] != nullptr ? row[1] : "");
     ++rows;
@@ -56,4 +57,9 @@ int LocationNames::Load() {
 const char* LocationNames::FindLocationNameByDescription(const char* enclosure) const {
   auto found = by_description_.find(std::string(enclosure));
   return found != by_description_.end() ? entries_[static_cast<std::size_t>(found->second)].name.c_str() : nullptr;
+}
+
+const char* LocationNames::FindLocationName(const char* name) const {
+  auto found = by_name_.find(std::string(name));
+  return found != by_name_.end() ? entries_[static_cast<std::size_t>(found->second)].name.c_str() : nullptr;
 }

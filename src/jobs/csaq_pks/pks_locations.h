@@ -30,9 +30,13 @@ class LocationNames {
   // exactly, or null when none does.
   const char* FindLocationNameByDescription(const char* enclosure) const;
 
+  // `name` when an entry has that name, or null when none does.
+  const char* FindLocationName(const char* name) const;
+
   int size() const { return static_cast<int>(entries_.size()); }
 
  private:
   std::vector<LocationNameEntry> entries_;
   std::unordered_map<std::string, int32_t> by_description_;  // first entry of each description
+  std::unordered_map<std::string, int32_t> by_name_;         // first entry of each name
 };

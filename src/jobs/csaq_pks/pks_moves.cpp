@@ -19,6 +19,9 @@ namespace {
 
 constexpr int kLineWidth = 80;
 
+constexpr const char* kFallsLake = "Falls Lake";
+constexpr const char* kFallsLakeReservoir = "Falls Lake Reservoir";
+
 bool HasText(const char* text) { return text != nullptr && text[0] != '\0'; }
 
 // ---------------------------------------------------------------------------
@@ -75,10 +78,6 @@ void WriteMeasurement(ZooImport& job, const XmlNode* record) {
     return;
   }
   std::string entry_date = MeasurementEntryDate(measurement_date);
-  if (!IsExportDate(entry_date)) {
-    std::printf("\tERROR: Processing measurements - invalid date '%s' for GAN=%s\n", measurement_date, gan);
-    return;
-  }
 
   std::string text;
   BiometricRecord biometric{};
@@ -94,6 +93,7 @@ void WriteMeasurement(ZooImport& job, const XmlNode* record) {
   who = HasText(measured_by) ? measured_by : "NA";
 
   // A group's measurement is taken once: it goes on the first animal only.
+  if (job.animals[run.first].refused) return;
   int entry_id = InsertRecordEntry(PatientKey(job.animals[run.first]), text.c_str(), entry_date.c_str(),
                                    who.c_str(), biometric.weight, 0, "NA", '0');
   if (entry_id < 0) {
@@ -122,16 +122,13 @@ void WriteMove(ZooImport& job, const LocationNames& locations, const XmlNode* re
     std::printf("\tERROR: Processing moves - cannot find '%s'\n", local_id);
     return;
   }
-  if (!IsExportDate(moved_in)) {
-    std::printf("\tERROR: Processing moves - invalid date '%s' for '%s'\n", moved_in, local_id);
-    return;
-  }
   // Kept whole: the name goes into the entry text and the messages, not into a field.
   std::string enclosure = enclosure_name;
   // The lake's location row carries its full name.
-  if (enclosure == "Falls Lake") {
+  bool falls_lake = enclosure == kFallsLake;
+  if (falls_lake) {
     std::printf("\tWARNING: Modifying location: '%s'\n", enclosure.c_str());
-    enclosure = "Falls Lake Reservoir";
+    enclosure = kFallsLakeReservoir;
   }
   DropFirstApostrophe(enclosure);
 
@@ -139,21 +136,26 @@ void WriteMove(ZooImport& job, const LocationNames& locations, const XmlNode* re
   const char* reason = XmlChildText(record, "TransferReason");
   if (HasText(reason)) text.append(", Reason: ").append(reason);
   WrapLongLines(text.data(), kLineWidth);
+  text = EscapeSqlText(text);  // after the wrapping, which counts the text as it reads
   const char* responsible = XmlChildText(record, "ResponsibleParty");
   Text<32> who{};
   who = HasText(responsible) ? responsible : "NA";
   std::string entry_date = std::string(moved_in) + " 12:00:00";
 
   const char* location = locations.FindLocationNameByDescription(enclosure.c_str());
+  // The enclosure import gives the lake's row the full name and keeps the
+  // export's "Falls Lake" as its description: the move finds it by name.
+  if (location == nullptr && falls_lake) location = locations.FindLocationName(kFallsLakeReservoir);
   for (int position = run.first; position <= run.last; ++position) {
     const AnimalRecord& animal = job.animals[position];
+    if (animal.refused) continue;
     if (InsertRecordEntry(PatientKey(animal), text.c_str(), entry_date.c_str(), who.c_str(), 0, 0, "NA", '0') < 1) {
       std::printf("\tERROR: Processing move to '%s' for '%s' '%s'\n", enclosure.c_str(), local_id,
                   entry_date.c_str());
     }
     if (location == nullptr) {
       std::printf("\tERROR: Can't find name for enclosure '%s'\n", enclosure.c_str());
-    } else if (SetPatientLocation(animal.patient.patient_id.c_str(), location) != 0) {
+    } else if (SetPatientLocationByKey(PatientKey(animal), location) != 0) {
       std::printf("\tERROR: Processing move to '%s' for '%s' - can't update location\n", location, local_id);
     }
   }
@@ -193,7 +195,7 @@ bool WriteMoves(ZooImport& job) {
 bool ClearNonResidentLocations(ZooImport&) {
   std::printf("Clearing locations for animals that are no longer residents...\n");
   // Every patient of the database, not only those of this run.
-  if (ExecuteSql("update patient set location='' where status != 'PR'", {}) != 0) {
+  if (ExecuteSql(kEscapeTexts, "update patient set location='' where status != 'PR'", {}) != 0) {
     std::printf("\tERROR: Unable to clear locations for non-residents\n");
   }
   return true;

@@ -35,10 +35,14 @@ bool IsGeneralNote(const char* note_type) {
   return false;
 }
 
+// The records system writes "~ Undetermined" where it knows no date.
+bool IsUndated(const char* note_date) {
+  return note_date == nullptr || std::strcmp(note_date, "~ Undetermined") == 0;
+}
+
 // A note's NoteDate as a date, empty when it is missing or undetermined.
 Text<11> EventDate(const char* note_date) {
-  if (note_date == nullptr || std::strcmp(note_date, "~ Undetermined") == 0) return Text<11>{};
-  return StripDateQualifier(note_date);
+  return IsUndated(note_date) ? Text<11>{} : StripDateQualifier(note_date);
 }
 
 // ---------------------------------------------------------------------------
@@ -120,11 +124,6 @@ void ReadNoteEvent(ZooImport& job, const XmlNode* record) {
   const char* note_date = XmlChildText(record, "NoteDate");
   Text<11> date = EventDate(note_date);
   NoteEvent event = FindNoteEvent(note_type);
-  bool dated = event != NoteEvent::kNone && event != NoteEvent::kUnknown;
-  if (dated && !date.empty() && !IsExportDate(date)) {
-    std::printf("\tERROR: Processing notes - invalid date '%s'\n", note_date);
-    return;
-  }
   const char* comment = XmlChildText(record, "Comment");
   for (int position = run.first; position <= run.last; ++position) {
     AnimalRecord& animal = job.animals[position];
@@ -189,6 +188,7 @@ int InsertNoteEntry(const AnimalRecord& animal, const char* text, const Note& no
 void InsertTextEntries(ZooImport& job, const AnimalRun& run, const char* text, const Note& note,
                        const char* entry_kind) {
   for (int position = run.first; position <= run.last; ++position) {
+    if (job.animals[position].refused) continue;
     if (InsertNoteEntry(job.animals[position], text, note) < 1) {
       std::printf("\tERROR: Creating %s for '%s'\n", entry_kind, note.local_id);
     }
@@ -205,6 +205,7 @@ void PrepareNoteText(std::string& text) {
 void InsertReleases(ZooImport& job, const AnimalRun& run, const Note& note) {
   for (int position = run.first; position <= run.last; ++position) {
     const AnimalRecord& animal = job.animals[position];
+    if (animal.refused) continue;
     int entry_id = InsertNoteEntry(animal, "", note);
     if (entry_id < 1) {
       std::printf("\tERROR: Creating release record entry for '%s'\n", note.local_id);
@@ -267,25 +268,26 @@ void WriteNoteEntry(ZooImport& job, const XmlNode* record) {
     std::printf("\tERROR: Processing notes - cannot find '%s'\n", note.local_id);
     return;
   }
+  // Only a note without a date is left out; any other date text goes to
+  // the server as it stands.
   const char* note_date = XmlChildText(record, "NoteDate");
-  Text<11> date = EventDate(note_date);
-  if (!IsExportDate(date)) {
+  if (IsUndated(note_date)) {
     std::printf("\tERROR: Processing notes - invalid date '%s'\n", Shown(note_date));
     return;
   }
-  note.entry_date.Format("%s 12:00:00", date.c_str());
+  note.entry_date.Format("%s 12:00:00", StripDateQualifier(note_date).c_str());
   note.keywords = XmlChildText(record, "Keywords");
   note.comment = XmlChildText(record, "Comment");
   note.sub_type = XmlChildText(record, "NoteSubType");
 
   switch (FindNoteEntry(note.note_type)) {
     case NoteEntry::kEventType: {
-      std::string text = std::string(note.note_type) + "\n";
+      std::string text = EscapeSqlText(std::string(note.note_type) + "\n");
       InsertTextEntries(job, run, text.c_str(), note, "record entry");
       break;
     }
     case NoteEntry::kRescued:
-      InsertTextEntries(job, run, "Rescued", note, "record entry");
+      InsertTextEntries(job, run, "Rescued", note, "record entry");  // escaped as it is
       break;
     case NoteEntry::kRelease:
       InsertReleases(job, run, note);

@@ -14,21 +14,32 @@ namespace {
 // numbered by their own counter.
 constexpr const char* kFallbackAdmissionDate = "2000-01-01";
 
-void CreatePatientRecord(AnimalRecord& animal, int& undated) {
+// Gives the animal its case number; false, reported, when another record of
+// the run already has it (the animal is then refused).
+bool ClaimCaseNumber(ZooImport& job, AnimalRecord& animal) {
+  const std::string* owner = job.case_numbers.Claim(animal.patient.patient_id.view(), animal.localId.view());
+  if (owner == nullptr) return true;
+  std::printf("\tERROR - case number '%s' of '%s' already belongs to '%s', animal skipped\n",
+              animal.patient.patient_id.c_str(), animal.localId.c_str(), owner->c_str());
+  animal.refused = true;
+  return false;
+}
+
+void CreatePatientRecord(ZooImport& job, AnimalRecord& animal, int& undated) {
   PatientRecord& patient = animal.patient;
+  if (animal.refused) return;
   if (patient.admission_date.empty()) {
     std::printf("\tERROR - missing admission date for %s \n", animal.localId.c_str());
     std::printf("\t\tSetting admission date to 2000-01-01!\n");
     patient.admission_date = kFallbackAdmissionDate;
     patient.patient_id.Format("2000-%.5d", undated++);
+    if (!ClaimCaseNumber(job, animal)) return;
   }
   if (InsertPatient(patient) != 0) {
     std::printf("\tERROR - Unable to create patient record for '%s'\n", patient.patient_id.c_str());
   }
-  PatientFinderInfo& finder = animal.finder;
-  EscapeSql(finder.found_addr);
-  EscapeSql(finder.presenter_addr);
-  if (UpdatePatientFinderInfo(patient.patient_id.c_str(), finder) != 0) {
+  const PatientFinderInfo& finder = animal.finder;
+  if (UpdatePatientFinderInfoByKey(patient.id, finder) != 0) {
     std::printf("\tERROR - Unable to update patient finder info for '%s'\n", patient.patient_id.c_str());
     std::printf("\t'%s', '%s', '%s'\n", finder.found_addr.c_str(), finder.found_city.c_str(),
                 finder.found_state.c_str());
@@ -51,6 +62,7 @@ bool GeneratePatientIds(ZooImport& job) {
     patient.patient_id.Format("%.4d-%.5d", year, sequence);
     previous_year = year;
     ++sequence;
+    ClaimCaseNumber(job, job.animals[position]);
   }
   return true;
 }
@@ -60,11 +72,12 @@ bool CreatePatientRecords(ZooImport& job) {
   int undated = 1;
   ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(job.animals.size()));
   for (int position = 0; position < job.animals.size(); ++position) {
-    CreatePatientRecord(job.animals[position], undated);
+    CreatePatientRecord(job, job.animals[position], undated);
     progress.Step();
   }
   // The identifiers' attributes, now that each animal's patient key is known.
   for (const IdentifierAttribute& pending : job.identifier_attributes) {
+    if (job.animals[pending.position].refused) continue;
     InsertPatientAttribute(PatientKey(job.animals[pending.position]), pending.attribute);
   }
   job.identifier_attributes = {};

@@ -55,7 +55,7 @@ bool SameIgnoringCase(std::string_view a, std::string_view b) {
 }  // namespace
 
 int SpeciesCache::Load() {
-  SqlResult result = QuerySql("select abbrev,common_name,species_group from species;", {});
+  SqlResult result = QuerySql(kEscapeTexts, "select abbrev,common_name,species_group from species;", {});
   int rows = 0;
   while (MYSQL_ROW row = result.NextRow()) {
     SpeciesCacheEntry entry{};

@@ -18,14 +18,14 @@ constexpr int kFirstTaxonomyField = 2;  // 0-based: kingdom; species is the last
 }  // namespace
 
 int FindSpeciesIdByCommonName(const char* common_name) {
-  std::string escaped = EscapeSqlText(common_name);
-  SqlResult result = QuerySql("Select id from species where common_name = '%s';", {escaped});
+  SqlResult result = QuerySql(kEscapeTexts, "Select id from species where common_name = '%s';", {common_name});
   MYSQL_ROW row = result.NextRow();
   return row != nullptr && row[0] != nullptr ? ToInt(row[0]) : 0;
 }
 
 int UpdateSpeciesTaxonomy(int id, const char* const taxonomy[7]) {
-  return ExecuteSql("update species set kingdom='%s',phylum='%s',class='%s',_order='%s',family='%s',genus='%s',"
+  return ExecuteSql(kEscapeTexts,
+                    "update species set kingdom='%s',phylum='%s',class='%s',_order='%s',family='%s',genus='%s',"
                     "species='%s' where id=%d;",
                     {taxonomy[0], taxonomy[1], taxonomy[2], taxonomy[3], taxonomy[4], taxonomy[5], taxonomy[6], id});
 }
@@ -41,10 +41,10 @@ int RepairTaxonomy() {
   }  // the header, however long
   int updated = 0;
   while (reader.ReadLine(line)) {
+    if (IsEmptyLine(line)) continue;  // an empty line names no species; any other goes through
     Tokenizer tokenizer(line);
     char* field[kFieldCount];
     int found = TakeFields(tokenizer, field, kFieldCount, "\t\n", "\t\n");
-    if (found == 0) continue;
     if (!HasFields(found, kFieldCount, field[0])) continue;
     const char* common_name = field[0];
     int id = FindSpeciesIdByCommonName(common_name);

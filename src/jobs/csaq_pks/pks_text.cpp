@@ -89,15 +89,6 @@ Text<11> StripDateQualifier(const char* note_date) {
   return result;
 }
 
-bool IsExportDate(std::string_view date) {
-  constexpr std::string_view kShape = "dddd-dd-dd";
-  if (date.size() < kShape.size()) return false;
-  for (std::size_t i = 0; i < kShape.size(); ++i) {
-    if (kShape[i] == 'd' ? !IsDigit(date[i]) : date[i] != kShape[i]) return false;
-  }
-  return true;
-}
-
 bool ReadCount(const char* text, int& value) {
   const char* p = text;
   while (*p == ' ' || *p == '\t' || *p == '\n' || *p == '\v' || *p == '\f' || *p == '\r') ++p;

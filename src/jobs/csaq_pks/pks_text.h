@@ -15,10 +15,6 @@
 // "2012-05-01"; a text without qualifier is only cut.
 Text<11> StripDateQualifier(const char* note_date);
 
-// True when `date` begins with a calendar date written as the export writes
-// it: four digits, "-", two digits, "-", two digits (a time may follow).
-bool IsExportDate(std::string_view date);
-
 // Reads an integer the way atoi does (leading white space, a sign, digits up
 // to the first other character). Returns false, `value` untouched, when the
 // text holds no digit where the number should start.

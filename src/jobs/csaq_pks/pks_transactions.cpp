@@ -6,7 +6,6 @@
 #include <string>
 
 #include "jobs/csaq_pks/pks_job.h"
-#include "jobs/csaq_pks/pks_text.h"
 
 namespace {
 
@@ -97,10 +96,6 @@ void ApplyTransaction(ZooImport& job, const XmlNode* record) {
   AnimalRun run;
   if (!job.animals.FindAnimalRun(local_id, run)) {
     std::printf("\tERROR: Processing transactions - cannot find '%s'\n", local_id);
-    return;
-  }
-  if (!IsExportDate(date)) {
-    std::printf("\tERROR: Processing transactions - invalid date '%s' for '%s'\n", transaction_date, local_id);
     return;
   }
   const TransactionRule* rule = FindTransactionRule(transaction_type, event_type);

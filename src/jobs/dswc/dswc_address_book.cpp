@@ -145,7 +145,7 @@ int ImportDswcAddressBook() {
   std::string text;
   reader.ReadLine(text);  // header
   while (reader.ReadLine(text)) {
-    if (IsBlank(text)) continue;  // a blank line holds no contact
+    if (IsEmptyLine(text)) continue;  // an empty line holds no contact; any other goes through
     // Fields end at tabs only, so whichever column is last on the line keeps
     // the line feed, as the centre's old import stored it. Every column after
     // the last part of the name may be missing.

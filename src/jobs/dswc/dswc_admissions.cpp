@@ -9,6 +9,7 @@
 #include "jobs/dswc/dswc_disposition.h"
 #include "jobs/dswc/dswc_species.h"
 #include "jobs/patient_rows.h"
+#include "store/case_numbers.h"
 #include "store/connection.h"
 #include "store/disposition_store.h"
 #include "store/record_entry_store.h"
@@ -106,14 +107,10 @@ void ApplyRemainingColumns(AdmissionLine& line, PatientRecord& patient, PatientF
     name += line[kLastName];
   }
   finder.found_name = name;
-  EscapeSql(finder.found_name);
   finder.found_addr = line[kAddress];
-  EscapeSql(finder.found_addr);
   finder.found_city = line[kCity];
-  EscapeSql(finder.found_city);
   finder.found_zip = line[kZip];
   finder.found_crossStreets = line[kCrossStreets];
-  EscapeSql(finder.found_crossStreets);
   patient.injury_cause = line[kCause];
 
   if (line[kDonation] != nullptr) {
@@ -124,7 +121,6 @@ void ApplyRemainingColumns(AdmissionLine& line, PatientRecord& patient, PatientF
   if (line[kPhone] != nullptr) finder.found_phone1 = line[kPhone];
   if (const char* brought_in_by = line[kBroughtInBy]) {
     finder.presenter_transporter = EqualsNoCase(brought_in_by, "Brought in") ? "Finder" : brought_in_by;
-    EscapeSql(finder.presenter_transporter);
   }
   if (char* age = line[kAge]) {
     TrimLeft(age);
@@ -140,7 +136,6 @@ bool WriteProblem(const char* problem, const PatientRecord& patient) {
   if (problem == nullptr || problem[0] == '\0') return true;
   Text<1024> description{};
   description = problem;
-  EscapeSql(description);
   if (InsertProblem(patient.id, description.c_str(), 0, "") < 0) {
     std::printf("\tERROR - Unable to create problem record for patient '%s'!\n", patient.patient_id.c_str());
     return false;
@@ -154,8 +149,7 @@ bool WriteImportNote(const PatientRecord& patient, const DswcReason& reason) {
   note.Format("Patient record imported into Corvana\n-------------------------------------\n%s%s",
               patient.status == "DNA" ? "Did not admit because: " : "",
               patient.status == "DNA" ? reason.c_str() : "");
-  EscapeSql(note);
-  if (InsertRecordEntry(patient.id, note.c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0') < 0) {
+  if (InsertRecordEntry(patient.id, EscapeSqlText(note).c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0') < 0) {
     std::printf("\tERROR - Unable to create record entry for patient '%s'!\n", patient.patient_id.c_str());
     return false;
   }
@@ -206,9 +200,21 @@ bool WriteAdmission(const AdmissionLine& line, PatientRecord& patient, const Pat
   return true;
 }
 
+// Admission numbers 12, 012 and 12a are all case number <year>-0012: only
+// the first of them becomes a patient, so that no two animals share
+// releases and transfers. False, reported, when an earlier line has it.
+bool ClaimCaseNumber(const AdmissionLine& line, const Text<16>& patient_id, RunCaseNumbers& case_numbers) {
+  if (const std::string* owner = case_numbers.Claim(patient_id.view(), line[kNumber])) {
+    std::printf("\tERROR - case number '%s' of '%s' already belongs to '%s', line skipped\n", patient_id.c_str(),
+                line[kNumber], owner->c_str());
+    return false;
+  }
+  return true;
+}
+
 // Imports one line that has at least the needed fields. Returns true when
 // the patient and all its rows were stored.
-bool ImportAdmission(AdmissionLine& line, const Text<16>& patient_id) {
+bool ImportAdmission(AdmissionLine& line, const Text<16>& patient_id, RunCaseNumbers& case_numbers) {
   PatientRecord patient;
   PatientFinderInfo finder;
   TransferRecord transfer;
@@ -234,7 +240,8 @@ bool ImportAdmission(AdmissionLine& line, const Text<16>& patient_id) {
     ApplyResidentTable(patient);
     patient.flags |= kFlagResident;
   }
-  return valid && WriteAdmission(line, patient, finder, reason, transfer);
+  return valid && ClaimCaseNumber(line, patient_id, case_numbers) &&
+         WriteAdmission(line, patient, finder, reason, transfer);
 }
 
 }  // namespace
@@ -298,19 +305,20 @@ int ImportDswcAdmissions(int year) {
 
   const bool with_donation = year == kDonationYear;
   int imported = 0;
+  RunCaseNumbers case_numbers;
   std::string text;
   for (int i = 0; i < kHeaderLines; ++i) reader.ReadLine(text);
   while (reader.ReadLine(text)) {
     // A line that stops early must not carry its line end into its last field.
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+    if (text.empty()) continue;  // an empty line holds no admission; any other goes through
     Tokenizer tokenizer(text);
     AdmissionLine line = CutAdmissionLine(tokenizer, with_donation);
-    if (line.found == 0) continue;  // a blank line holds no admission
     Text<16> patient_id{};
     // "%.4d" writes what the centre's "%04.4d" does: at least four digits.
-    patient_id.Format("%d-%.4d", year, ToInt(line[kNumber]));
+    patient_id.Format("%d-%.4d", year, line.found > 0 ? ToInt(line[kNumber]) : 0);
     if (!HasFields(line.found, kNeededFields, patient_id.c_str())) continue;
-    if (ImportAdmission(line, patient_id)) ++imported;
+    if (ImportAdmission(line, patient_id, case_numbers)) ++imported;
   }
   std::printf("Imported %d patients\n", imported);
   return 0;

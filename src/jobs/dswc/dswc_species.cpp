@@ -28,7 +28,6 @@ bool ImportSpecies(const XmlNode* element) {
     std::printf("Attribute '%s' missing, species skipped\n", missing);
     return false;
   }
-  EscapeSql(species.common_name);
   if (InsertSpecies(species) != 0) {
     std::printf("Error creating species record for '%s'\n", species.abbrev.c_str());
     std::printf("%s\n", LastDbError());

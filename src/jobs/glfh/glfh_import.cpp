@@ -4,6 +4,7 @@
 #include <string>
 
 #include "jobs/patient_rows.h"
+#include "store/case_numbers.h"
 #include "store/connection.h"
 #include "store/record_entry_store.h"
 #include "util/dates.h"
@@ -51,17 +52,31 @@ int WriteImportNote(const PatientRecord& patient) {
               "Record number: %s\n"
               "Species: %s\n",
               patient.patient_id.c_str(), patient.species.c_str());
-  EscapeSql(note);
-  return InsertRecordEntry(patient.id, note.c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0');
+  return InsertRecordEntry(patient.id, EscapeSqlText(note).c_str(), NowTimestamp(), "NA", 0, 0, "NA", '0');
 }
 
 // Writes the patient, its owner and the import note; true when all three
-// were written. The owner is sent as the register has it (unescaped).
+// were written. The owner's name and phone land as the register has them.
 bool WritePatient(PatientRecord& patient, const PatientFinderInfo& finder) {
   const char* id = patient.patient_id.c_str();
   if (!InsertPatientWithFinder(patient, finder)) return false;
   if (WriteImportNote(patient) < 0) {
     std::printf("\tERROR - Unable to create record entry for patient '%s'!\n", id);
+    return false;
+  }
+  return true;
+}
+
+// Register numbers 101, 0101 and 101a are all case number 00101: only the
+// first of them becomes a patient, so that no two birds share one record
+// number. False, reported, when an earlier line has it.
+bool ClaimCaseNumber(std::string_view line, const PatientRecord& patient, RunCaseNumbers& case_numbers) {
+  Tokenizer tokenizer(line);
+  char* column[kColumnCount];
+  TakeFields(tokenizer, column, kColumnCount, "\t", "\t");
+  if (const std::string* owner = case_numbers.Claim(patient.patient_id.view(), column[kNumber])) {
+    std::printf("\tERROR - case number '%s' of '%s' already belongs to '%s', line skipped\n",
+                patient.patient_id.c_str(), column[kNumber], owner->c_str());
     return false;
   }
   return true;
@@ -122,12 +137,14 @@ int ImportGlfhPatients() {
     return 1;
   }
   int imported = 0;
+  RunCaseNumbers case_numbers;
   std::string text;
   reader.ReadLine(text);  // header
   while (reader.ReadLine(text)) {
     PatientRecord patient;
     PatientFinderInfo finder;
     if (!ReadGlfhLine(text, patient, finder)) continue;
+    if (!ClaimCaseNumber(text, patient, case_numbers)) continue;
     if (WritePatient(patient, finder)) ++imported;
   }
   std::printf("Imported %d patients\n", imported);

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "store/case_numbers.h"
 #include "store/connection.h"
 #include "store/disposition_store.h"
 #include "store/record_entry_store.h"
@@ -76,10 +77,7 @@ void WriteProblems(const KwrcLine& line, const PatientRecord& patient) {
     separators = ",";
     Text<128> problem{};
     problem = piece;
-    Text<256> escaped{};
-    escaped = problem;
-    EscapeSql(escaped);
-    if (InsertProblem(patient.id, escaped.c_str(), 0, "") < 0) {
+    if (InsertProblem(patient.id, problem.c_str(), 0, "") < 0) {
       std::printf("Unable to create problem record for '%s'\n", patient.patient_id.c_str());
     }
   }
@@ -95,7 +93,7 @@ int WriteSummaryEntry(const KwrcLine& line, const PatientRecord& patient) {
                summary.c_str());
   Text<32> date{};
   date.Format("%s 12:00:00", patient.admission_date.c_str());
-  return InsertRecordEntry(patient.id, notes.c_str(), date.c_str(), "NA", 0, 0, "NA", '0');
+  return InsertRecordEntry(patient.id, EscapeSqlText(notes).c_str(), date.c_str(), "NA", 0, 0, "NA", '0');
 }
 
 int WriteRelease(const KwrcLine& line, const PatientRecord& patient, int record_entry_id) {
@@ -145,8 +143,25 @@ int WriteTransfer(const KwrcLine& line, const PatientRecord& patient, int record
   return InsertTransfer(record_entry_id, transfer);
 }
 
+// The case number goes to one case only: a blank one, or one that an earlier
+// case of the file already has (a 16-character number cut to 15), would make
+// the two animals share releases and transfers. False, reported, when taken.
+bool ClaimCaseNumber(const KwrcLine& line, const PatientRecord& patient, long long line_number,
+                     RunCaseNumbers& case_numbers) {
+  if (IsBlankCaseNumber(patient.patient_id.view())) {
+    std::printf("\tERROR - blank case number on line %lld, line skipped\n", line_number);
+    return false;
+  }
+  if (const std::string* owner = case_numbers.Claim(patient.patient_id.view(), line.case_number())) {
+    std::printf("\tERROR - case number '%s' of '%s' already belongs to '%s', line skipped\n",
+                patient.patient_id.c_str(), line.case_number(), owner->c_str());
+    return false;
+  }
+  return true;
+}
+
 // Imports one case; returns true when every row of it was written.
-bool ImportCase(const KwrcLine& line) {
+bool ImportCase(const KwrcLine& line, long long line_number, RunCaseNumbers& case_numbers) {
   PatientRecord patient;
   PatientFinderInfo finder;
   FillPatient(line, patient, finder);
@@ -162,11 +177,12 @@ bool ImportCase(const KwrcLine& line) {
   MapKwrcOutcome(patient, line.field[9]);
   FillFinder(line, finder);
 
+  if (!ClaimCaseNumber(line, patient, line_number, case_numbers)) return false;
   if (InsertPatient(patient) != 0) {
     std::printf("Unable to create patient record for '%s'\n", patient.patient_id.c_str());
     return false;
   }
-  if (UpdatePatientFinderInfo(patient.patient_id.c_str(), finder) != 0) {
+  if (UpdatePatientFinderInfoByKey(patient.id, finder) != 0) {
     std::printf("Unable to update patient finder info for '%s'\n", patient.patient_id.c_str());
     return false;
   }
@@ -259,17 +275,18 @@ int ImportKwrcYear(int year) {
   }
   std::printf("Loading KWRC data for %d...\n", year);
   int imported = 0;
+  RunCaseNumbers case_numbers;
   std::string text;
   reader.ReadLine(text);  // header
   while (reader.ReadLine(text)) {
+    if (IsEmptyLine(text)) continue;  // an empty line holds no case; any other goes through
     Tokenizer tokenizer(text);
     KwrcLine line{};
     int found = TakeFields(tokenizer, line.field + 1, kFieldCount, "\t\r\n", "\t\r\n");
-    if (found == 0) continue;  // a blank line holds no case
     if (line.field[9] != nullptr) TrimRight(line.field[9]);
-    std::printf("%s\n", line.case_number());
+    std::printf("%s\n", found > 0 ? line.case_number() : "");
     if (!HasFields(found, kFieldCount, line.case_number())) continue;
-    if (ImportCase(line)) ++imported;
+    if (ImportCase(line, reader.line_number(), case_numbers)) ++imported;
   }
   std::printf("Imported %d records\n", imported);
   return 0;

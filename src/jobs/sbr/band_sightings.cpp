@@ -189,7 +189,7 @@ void ImportBandSightings(const char* folder, const char* file_name, int /*unused
   std::string text;
   reader.ReadLine(text);  // header
   while (reader.ReadLine(text)) {
-    if (IsBlankLine(text)) continue;  // a blank line holds no sighting
+    if (IsEmptyLine(text)) continue;  // an empty line holds no sighting; any other goes through
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
     Tokenizer tokenizer(text);
     char* column[kColumnCount];

@@ -173,6 +173,7 @@ void ReportStop(int found, const char* case_number) {
 
 int FindPatientByAttribute(const char* name, const char* value) {
   SqlResult result = QuerySql(
+      kEscapeTexts,
       "select p.patient_id from attributes a, patient p where a.name='%s' and a.value='%s' and a.patient_id=p.id;",
       {name, value});
   MYSQL_ROW row = result.NextRow();

@@ -247,10 +247,7 @@ void ReadFinder(SbrCase& c) {
   ParseSbrFoundAddress(address.data(), c.finder);
   if (c.column[kCityFound][0] != '\0') c.finder.found_city = c.column[kCityFound];
 
-  if (HasText(c.column[kPresentingOrg])) {
-    StripQuotes(c.column[kPresentingOrg], c.finder.presenter_org);
-    EscapeSql(c.finder.presenter_org);
-  }
+  if (HasText(c.column[kPresentingOrg])) StripQuotes(c.column[kPresentingOrg], c.finder.presenter_org);
 }
 
 void ReadPcv(const char* pcv, const char* total_solids, const char* buffy, const Text<11>& date, PcvRecord& record) {
@@ -340,7 +337,6 @@ bool WriteProblems(const SbrCase& c) {
       std::string problem(piece);
       if (problem.size() <= 2) continue;  // a stray code, not a problem
       if (problem.size() > kMaxProblem) problem = problem.substr(0, kMaxProblem) + "...";
-      problem = EscapeSqlText(problem);
       if (EqualsNoCase(problem.c_str(), kOiled)) {
         problem = kOiled;
         oiled_listed = true;
@@ -386,7 +382,6 @@ bool WriteTransfer(SbrCase& c) {
   if (entry < 0) return false;
   c.transfer.patient_id = c.patient.patient_id;
   c.transfer.date = c.patient.final_date;
-  EscapeSql(c.transfer.name);
   if (InsertTransfer(entry, c.transfer) != 0) {
     std::printf("\tERROR - Unable to create transfer record for patient '%s'!\n", c.case_number());
     return false;
@@ -416,7 +411,6 @@ bool WriteRelease(SbrCase& c) {
   }
   if (!c.patient.aux_marker.empty()) release.aux_marker = c.patient.aux_marker;
   release.tracker_type = "None";
-  EscapeSql(release.location);
   if (InsertRelease(entry, release) != 0) {
     std::printf("\tERROR - Unable to create release record for patient '%s'!\n", c.case_number());
     written = false;
@@ -461,9 +455,10 @@ bool ImportLine(const std::string& text, SbrRun& run) {
   SetDefaults(c);
   Tokenizer tokenizer(text);
   int found = TakeFields(tokenizer, c.column, kColumnCount, "\t", "\t\r\n");
-  if (found == 0) return false;  // separators only
+  char no_case_number[] = "";
+  if (found == 0) c.column[kCaseNumber] = no_case_number;  // tabs only: a line without a single cell
   // On a short line the last cell still holds the line end.
-  if (found < kColumnCount) TrimRight(c.column[found - 1]);
+  if (found > 0 && found < kColumnCount) TrimRight(c.column[found - 1]);
 
   // The case number is taken first, so a refused line keeps its place in
   // the year's numbering.
@@ -493,7 +488,7 @@ int ImportSbrPatients(const char* region) {
   std::string text;
   reader.ReadLine(text);  // header
   while (reader.ReadLine(text)) {
-    if (IsBlankLine(text)) continue;  // a blank line holds no case
+    if (IsEmptyLine(text)) continue;  // an empty line holds no case; any other goes through
     if (ImportLine(text, run)) ++imported;
   }
   std::printf("Imported %d patients\n", imported);

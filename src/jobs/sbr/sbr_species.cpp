@@ -45,7 +45,6 @@ void FillSpecies(char* const column[kColumnCount], SpeciesRecord& species) {
 
   TrimAndUnquote(column[kCommonName]);
   species.common_name = column[kCommonName];
-  EscapeSql(species.common_name);
   species.abbrev = column[kAbbrev];
   if (std::strlen(column[kScientificName]) > 1) species.scientific_name = column[kScientificName];
   species.state_soc = StatusCodeOf(column[kStateStatus]);
@@ -58,9 +57,9 @@ void FillSpecies(char* const column[kColumnCount], SpeciesRecord& species) {
 bool ImportLine(const std::string& text) {
   Tokenizer tokenizer(text);
   char* column[kColumnCount];
-  if (TakeFields(tokenizer, column, 1, "\t", "\t") == 0) return false;  // separators only
-  int found = 1 + TakeFields(tokenizer, column + 1, kColumnCount - 1, "\t\r\n", "\t\r\n");
-  if (found < kColumnCount) TrimRight(column[0]);  // a line without a tab keeps its line end here
+  int found = TakeFields(tokenizer, column, 1, "\t", "\t");
+  if (found == 1) found += TakeFields(tokenizer, column + 1, kColumnCount - 1, "\t\r\n", "\t\r\n");
+  if (found > 0 && found < kColumnCount) TrimRight(column[0]);  // a line without a tab keeps its line end here
   if (!HasFields(found, kColumnCount, column[kCommonName])) return false;
 
   SpeciesRecord species;
@@ -90,7 +89,7 @@ int ImportSbrSpecies() {
   std::string text;
   reader.ReadLine(text);  // header
   while (reader.ReadLine(text)) {
-    if (IsBlankLine(text)) continue;  // a blank line holds no species
+    if (IsEmptyLine(text)) continue;  // an empty line holds no species; any other goes through
     if (ImportLine(text)) ++loaded;
   }
   std::printf("Loaded %d species\n", loaded);

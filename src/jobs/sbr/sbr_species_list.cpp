@@ -73,7 +73,7 @@ const XmlNode* SbrSpeciesList::Find(std::string_view common_name) const {
 }
 
 void LoadSbrSpeciesList(SbrSpeciesList& list) {
-  SqlResult result = QuerySql("select abbrev,common_name,species_group from species;", {});
+  SqlResult result = QuerySql(kEscapeTexts, "select abbrev,common_name,species_group from species;", {});
   while (MYSQL_ROW row = result.NextRow()) {
     if (row[0] != nullptr && row[1] != nullptr && row[2] != nullptr) list.Add(row[0], row[1], row[2]);
   }

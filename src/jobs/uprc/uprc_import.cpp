@@ -7,6 +7,7 @@
 
 #include "jobs/uprc/uprc_places.h"
 #include "jobs/patient_rows.h"
+#include "store/case_numbers.h"
 #include "store/connection.h"
 #include "store/disposition_store.h"
 #include "store/record_entry_store.h"
@@ -51,7 +52,6 @@ bool WriteProblems(const char* list, const PatientRecord& patient) {
     if (std::strlen(piece) <= 2) continue;
     Text<260> problem{};
     problem = piece;
-    EscapeSql(problem);
     if (InsertProblem(patient.id, problem.c_str(), 0, "") < 0) {
       std::printf("\tERROR - Unable to create problem record for patient '%s'!\n", patient.patient_id.c_str());
       written = false;
@@ -113,11 +113,29 @@ bool WriteDisposition(char* const column[kUprcColumnCount], const PatientRecord&
   return written;
 }
 
+// The patient number goes to one bird only: a blank one, or one that an
+// earlier line already has, would make the birds share releases and
+// transfers. False, reported, when taken.
+bool ClaimCaseNumber(const char* number, const PatientRecord& patient, long long line_number,
+                     RunCaseNumbers& case_numbers) {
+  if (IsBlankCaseNumber(patient.patient_id.view())) {
+    std::printf("\tERROR - blank patient number on line %lld, line skipped\n", line_number);
+    return false;
+  }
+  if (const std::string* owner = case_numbers.Claim(patient.patient_id.view(), number)) {
+    std::printf("\tERROR - case number '%s' of '%s' already belongs to '%s', line skipped\n",
+                patient.patient_id.c_str(), number, owner->c_str());
+    return false;
+  }
+  return true;
+}
+
 // Imports one line; true when every row of it was written.
-bool ImportLine(char* const column[kUprcColumnCount]) {
+bool ImportLine(char* const column[kUprcColumnCount], long long line_number, RunCaseNumbers& case_numbers) {
   PatientRecord patient;
   PatientFinderInfo finder;
   if (!ReadUprcPatient(column, patient, finder)) return false;
+  if (!ClaimCaseNumber(column[kUprcNumber], patient, line_number, case_numbers)) return false;
 
   const char* id = patient.patient_id.c_str();
   if (!InsertPatientWithFinder(patient, finder)) return false;
@@ -185,10 +203,11 @@ int ImportUprcPatients(int year) {
     return 1;
   }
   int imported = 0;
+  RunCaseNumbers case_numbers;
   std::string text;
   reader.ReadLine(text);  // header
   while (reader.ReadLine(text)) {
-    if (IsBlank(text)) continue;  // a blank line holds no patient
+    if (IsEmptyLine(text)) continue;  // an empty line holds no patient; any other goes through
     Tokenizer tokenizer(text);
     char* column[kUprcColumnCount];
     int found = TakeFields(tokenizer, column, kUprcColumnCount, "\t", "\t\r\n");
@@ -196,7 +215,7 @@ int ImportUprcPatients(int year) {
     // shifted: none of them can be trusted.
     if (found < kUprcColumnCount && found > 0) TrimRight(column[kUprcNumber]);  // may hold the line feed
     if (!HasFields(found, kUprcColumnCount, column[kUprcNumber])) continue;
-    if (ImportLine(column)) ++imported;
+    if (ImportLine(column, reader.line_number(), case_numbers)) ++imported;
   }
   std::printf("Imported %d patients\n", imported);
   return 0;

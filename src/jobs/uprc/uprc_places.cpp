@@ -10,8 +10,8 @@ namespace {
 
 // The centre's usual places, first match wins. Names and towns are spelled
 // as the centre's existing records have them, typos included, so imported
-// rows group with the rows already there. "Jackson\'s Gap" carries its
-// escaping backslash because place texts go into statements unescaped.
+// rows group with the rows already there. Texts are written as they read
+// ("Jackson's Gap"): the store escapes them in the statement.
 constexpr UprcPlace kPlaces[] = {
     {"URC", "Upland Raptor Center", "Auburn", "AL"},
     {"URC Education", "Upland Raptor Center", "Auburn", "AL"},
@@ -44,7 +44,7 @@ constexpr UprcPlace kPlaces[] = {
     {"Oxbow Meadows", "Owbow Meadows", "Columbus", "GA"},
     {"Wesselman Nature Society", "Wesselman Nature Society", "Evansville", "IN"},
     {"Town Creek Park", "Town Creek Park", "Auburn", "AL"},
-    {"Camp ASCCA", "Camp ASCCA", "Jackson\\'s Gap", "AL"},
+    {"Camp ASCCA", "Camp ASCCA", "Jackson's Gap", "AL"},
     {"Lake Guntersville State Park", "Lake Guntersville State Park", "Guntersville", "AL"},
     {"Mary Olive Thomas Tract", "Mary Olive Thomas Tract", "Auburn", "AL"},
     {"Rickwood Caverns", "Rickwood Caverns", "Warrior", "AL"},

@@ -216,4 +216,61 @@ TEST_F(CsaqFfImportTest, LongNamesAndHugeCounts) {
   EXPECT_EQ(Value("select count(*) from record_entry where special='1' and notes like '%Eating well'"), "1");
 }
 
+// A species row without a group (empty or null) is still the animals'
+// species: they are imported with an empty group. Only a species that has
+// no row stops its record.
+TEST_F(CsaqFfImportTest, SpeciesWithoutAGroupGetsItsAnimals) {
+  const std::string dir = MakeTempDir();
+  WriteIni(dir);
+  Exec("insert into species(abbrev,common_name,species_group) values ('PIGFISH','Pigfish',''),('SPOT','Spot',NULL);"
+       "insert into location(name) values ('Tank 1')");
+  const std::pair<std::string, std::string> kinds[] = {{"Pigfish", "PIGFISH"}, {"Spot", "SPOT"}, {"Red drum", "RDRUM"}};
+  std::string abbreviations, groups, census;
+  for (const auto& [name, abbrev] : kinds) {
+    abbreviations += "<S commonName=\"" + name + "\" abbrev=\"" + abbrev + "\"/>";
+    groups += Group(name + " school", name, "2014-01-02T00:00:00");
+    census += "<C>" + Field("Identity_x0020__x0020_Tag", name + " school") +
+              Field("Number_x0020_of_x0020_specimens_x0020_in_x0020_group", "2") + Field("Location", "1") + "</C>";
+  }
+  WriteFile(dir + "/Habitats.xml", "<dataroot>" + Habitat("1", "Tank 1") + "</dataroot>");
+  WriteFile(dir + "/HabitatCensus.xml", "<dataroot>" + census + "</dataroot>");
+  WriteFile(dir + "/SpeciesAbbreviations.xml", "<L>" + abbreviations + "</L>");
+  WriteFile(dir + "/Groups.xml", "<dataroot>" + groups + "</dataroot>");
+  WriteFile(dir + "/Husbandry.xml", "<dataroot/>");
+  EXPECT_EQ(RunJob(dir, "patient"),
+            "CSAQ_FF - patient - 2016\n" + kPatientLoads +
+                "Pigfish school\n\tGROUP\n\tCreating 2 animals in Tank 1\n"
+                "Spot school\n\tGROUP\n\tCreating 2 animals in Tank 1\n"
+                "Red drum school\n\tERROR - Unable to find species group for 'RDRUM:Red drum'!\n"
+                "Parsed 2 group records\nInserted 4 PATIENT records\nInserted 0 TRANSFER records\n"
+                "Inserted 0 RELEASE records\n");
+  EXPECT_EQ(Rows("select patient_id,species,concat('[',species_group,']'),location from patient order by id"),
+            (std::vector<std::string>{"2014-00001|PIGFISH|[]|Tank 1", "2014-00002|PIGFISH|[]|Tank 1",
+                                      "2014-00003|SPOT|[]|Tank 1", "2014-00004|SPOT|[]|Tank 1"}));
+}
+
+// A water test without a readable date is kept at the zero date, at noon in
+// the tank's log: never at a year made up from an empty date.
+TEST_F(CsaqFfImportTest, UndatedWaterTestsAreStoredAtTheZeroDate) {
+  const std::string dir = MakeTempDir();
+  WriteIni(dir);
+  Exec("insert into location(name) values ('Tank 1')");
+  WriteFile(dir + "/Habitats.xml", "<dataroot>" + Habitat("1", "Tank 1") + "</dataroot>");
+  std::string tests;
+  for (const char* date : {"", "<Date>2015-13</Date>", "<Date>T09:30:00</Date>", "<Date>2015-03-02T00:00:00</Date>"}) {
+    tests += std::string("<W><Habitat>1</Habitat>") + date + "<Temperature>20</Temperature></W>";
+  }
+  WriteFile(dir + "/WaterChem.xml", "<dataroot>" + tests + "</dataroot>");
+  EXPECT_EQ(RunJob(dir, "water_chemistry"),
+            "CSAQ_FF - water_chemistry - 2016\n" + kWater + kHabitats +
+                "Invalid or missing date for '1' - 'Tank 1'\nInvalid date '2015-13' for habitat '1' - 'Tank 1'\n"
+                "2 errors\nInsert 4 records\n");
+  EXPECT_EQ(Rows("select e.date,w.date,w.temp from location_record_entry e "
+                 "join water_quality w on w.location_record_entry_id=e.id order by e.id"),
+            (std::vector<std::string>{"0000-00-00 12:00:00|0000-00-00 00:00:00|20",
+                                      "0000-00-00 12:00:00|0000-00-00 00:00:00|20",
+                                      "0000-00-00 12:00:00|0000-00-00 00:00:00|20",
+                                      "2015-03-02 12:00:00|2015-03-02 00:00:00|20"}));
+}
+
 }  // namespace

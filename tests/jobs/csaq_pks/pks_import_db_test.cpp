@@ -28,6 +28,27 @@ const std::vector<std::pair<std::string, std::string>> kTables = {
      "record_entry_id,date,weight,wc,length,girth,straight_NPN_length,curved_NPN_length,straight_carapace_width,"
      "curved_carapace_width"}};
 
+// An export file: each record's fields inside an element named `name`.
+std::string Table(const std::string& name, const std::vector<std::string>& records) {
+  std::string xml = "<dataroot>\r\n";
+  for (const std::string& record : records) xml += "<" + name + ">" + record + "</" + name + ">\r\n";
+  return xml + "</dataroot>\r\n";
+}
+
+std::string Field(const std::string& name, const std::string& text) { return "<" + name + ">" + text + "</" + name + ">"; }
+
+// The patient import's seven exports, each empty unless given.
+void WriteExports(const std::string& dir, const std::vector<std::pair<std::string, std::vector<std::string>>>& given) {
+  for (const char* name : {"CensusCounts", "Animals", "Notes", "Transactions", "Identifiers", "Measurements",
+                           "EnclosureMoves"}) {
+    std::vector<std::string> records;
+    for (const auto& [file, rows] : given) {
+      if (file == name) records = rows;
+    }
+    WriteFile(dir + "/" + name + ".xml", Table(name, records));
+  }
+}
+
 class PksImportTest : public DatabaseTest {
  protected:
   // Runs one CSAQ_PKS job in `dir`; returns its log from the job line on.
@@ -77,8 +98,8 @@ TEST_F(PksImportTest, NeedsAnEmptyPatientTable) {
   EXPECT_EQ(ReadFile(dir + "/GroupTempFile.txt"), "");
 }
 
-// A missing export stops its job with its message before any row is written; so does a broken one that is read
-// before the first row.
+// A missing export stops its job with its message before any row is written; so does one that cannot be parsed,
+// also when its pass comes after the first row.
 TEST_F(PksImportTest, MissingOrBrokenExports) {
   const std::string loaded = "Loading census data...\nLoaded 0 species\nLoading patient data...\n";
   struct Case {
@@ -96,31 +117,42 @@ TEST_F(PksImportTest, MissingOrBrokenExports) {
        "Loading patient transactions...\nUnable to parse transactions file './Transactions.xml'\n"},
       {"Identifiers.xml", "patient", true,
        "Loading patient identifiers...\nUnable to parse identifiers file './Identifiers.xml'\n"},
-      {"Measurements.xml", "patient", false,
+      // Read after the first patient row: checked before any.
+      {"Measurements.xml", "patient", true,
        "CSAQ_PKS - patient - 2015\nUnable to parse measurements file './Measurements.xml'\n"},
-      {"EnclosureMoves.xml", "patient", false,
+      {"EnclosureMoves.xml", "patient", true,
        "CSAQ_PKS - patient - 2015\nUnable to parse enclosure moves file './EnclosureMoves.xml'\n"},
       {"EnclosureTree.xml", "habitats", true,
        "CSAQ_PKS - habitats - 2015\n\tERROR: Unable to parse habitat file './EnclosureTree.xml'\n"},
       {"MissingTaxonomy.txt", "taxonomy", false,
        "CSAQ_PKS - taxonomy - 2015\nUnable to open './MissingTaxonomy.txt'\n"},
   };
+  // Ways an export fails to parse, each near its end, after most records.
+  const std::pair<const char*, std::string (*)(std::string)> corruptions[] = {
+      {"missing", nullptr},
+      {"with its document element left open",
+       [](std::string xml) { return xml.substr(0, xml.rfind("</dataroot>")); }},
+      {"with a tag without a name", [](std::string xml) { return xml.insert(xml.rfind("</dataroot>"), "< >"); }},
+      {"with an unquoted attribute",
+       [](std::string xml) { return xml.insert(xml.rfind("</dataroot>"), "<Note kind=late/>"); }},
+  };
+  std::string all_rows;
+  for (const auto& [table, columns] : kTables) all_rows += std::string(all_rows.empty() ? "" : "+") +
+                                                             "(select count(*) from " + table + ")";
   for (const Case& c : cases) {
-    for (bool broken : {false, true}) {
-      if (broken && !c.also_broken) continue;
+    for (const auto& [how, corrupt] : corruptions) {
+      if (corrupt != nullptr && !c.also_broken) continue;
       std::string dir = SampleDir();
       std::string path = dir + "/" + c.file;
-      if (broken) {
-        std::string xml = ReadFile(path);
-        WriteFile(path, xml.substr(0, xml.rfind("</dataroot>")));  // the document element left open
+      if (corrupt != nullptr) {
+        WriteFile(path, corrupt(ReadFile(path)));
       } else {
         std::remove(path.c_str());
       }
       std::string log = RunJob(dir, c.job);
-      const char* how = broken ? " broken" : " missing";
-      ASSERT_GE(log.size(), c.log_end.size()) << c.file << how << ":\n" << log;
-      EXPECT_EQ(log.substr(log.size() - c.log_end.size()), c.log_end) << c.file << how;
-      EXPECT_EQ(CountRows(), "0 0 0 0") << c.file << how;
+      ASSERT_GE(log.size(), c.log_end.size()) << c.file << " " << how << ":\n" << log;
+      EXPECT_EQ(log.substr(log.size() - c.log_end.size()), c.log_end) << c.file << " " << how;
+      EXPECT_EQ(Value("select " + all_rows), "0") << c.file << " " << how;
     }
   }
 }
@@ -128,11 +160,7 @@ TEST_F(PksImportTest, MissingOrBrokenExports) {
 // Hostile input: every record is reported or stored, the job runs to its end.
 TEST_F(PksImportTest, BadInputIsReportedAndTheJobGoesOn) {
   std::string dir = SampleDir();
-  auto table = [](const std::string& name, const std::vector<std::string>& records) {
-    std::string xml = "<dataroot>\r\n";
-    for (const std::string& record : records) xml += "<" + name + ">" + record + "</" + name + ">\r\n";
-    return xml + "</dataroot>\r\n";
-  };
+  const auto& table = Table;
   const std::string long_id(60, 'L');
   const std::string long_note(100001, 'n');
   WriteFile(dir + "/Animals.xml",
@@ -182,6 +210,101 @@ TEST_F(PksImportTest, BadInputIsReportedAndTheJobGoesOn) {
             "Move To: Tank" + std::string(300, 'e'));
   EXPECT_EQ(Value("select notes from record_entry where notes like 'Entry type: Diet%'"),
             "Entry type: Diet\n---------------------\nO'Neil said \"no\" \\ ok");
+}
+
+// Dates go to the server as the export writes them, cut only where the job
+// cuts them: no record is left out for an unpadded or qualified date.
+TEST_F(PksImportTest, DatesAreTakenAsTheyStand) {
+  std::string dir = MakeTempDir();
+  WriteIni(dir);
+  Exec("insert into location(name,description) values ('ST-A','Shark Tank A');"
+       "insert into species(abbrev,common_name,species_group) values ('PIGF','Pigfish','fish')");
+  auto counts = [](const std::string& id, const std::string& date, const std::string& other, int change) {
+    return Field("Local_ID", id) + Field("CensusDate", date) + Field("Male", "0") + Field("Female", "0") +
+           Field("Other", other) + Field("GroupCount", other) + Field("ChangeInCount", std::to_string(change)) +
+           (change < 0 ? Field("CensusCountQualifierType", "Death") : "");
+  };
+  auto animal = [](const std::string& id, const std::string& more) {
+    return Field("Local_ID", id) + Field("TaxonInfo", "Fish/Pigfish") + more;
+  };
+  WriteExports(
+      dir, {{"Animals", {animal("A1", ""), animal("A2", ""),
+                         animal("G1", Field("CurrentAccessionType", "Group of Animals"))}},
+            {"CensusCounts",
+             {counts("G1", "2012-3-10T00:00:00", "7", 0), counts("A2", "2015-1-20T00:00:00", "0", -1),
+              counts("G1", "2016-2-1T00:00:00", "0", -7)}},
+            {"Notes",
+             {Field("Local_ID", "A1") + Field("NoteType", "Capture") + Field("NoteDate", "~ from 2011-6-2T00:00:00"),
+              Field("Local_ID", "A2") + Field("NoteType", "Birth") + Field("NoteDate", "2010-7-4")}},
+            {"Transactions",
+             {Field("Local_ID", "A1") + Field("TransactionType", "Disposition") +
+              Field("TransactionDate", "2014-2-3T00:00:00") + Field("EventType", "Death")}},
+            {"Identifiers",
+             {Field("Local_ID", "G1") + Field("IdentifierType", "Local ID") + Field("IdentifierValue", "G1")}},
+            {"Measurements",
+             {Field("GAN", "1") + Field("Local_ID", "A1") + Field("MeasurementDate", "2013-4-2T10:15:00+05:00") +
+              Field("MeasurementTypeName", "Live weight") + Field("MeasurementValueEntered", "500") +
+              Field("UnitOfMeasurement", "gram")}},
+            {"EnclosureMoves",
+             {Field("Local_ID", "A2") + Field("EnclosureName", "Shark Tank A") + Field("MovedInDate", "2013-4-5")}}});
+  std::string log = RunJob(dir, "patient");
+  for (const char* refused : {"invalid date", "is no date", "cannot find", "Unable"}) {
+    EXPECT_EQ(log.find(refused), std::string::npos) << refused << " in:\n" << log;
+  }
+  // The group is kept whole; its first census date is cut at its 'T'.
+  EXPECT_EQ(ReadFile(dir + "/GroupTempFile.txt"), "GROUP: G1 2012-3-10 0 0 7 Fish/Pigfish\n");
+  EXPECT_EQ(Rows("select patient_id,status,admission_date,final_date,dob,location from patient order by id"),
+            (std::vector<std::string>{"2000-00001|D|2000-01-01|2016-02-01|0000-00-00|",
+                                      "2010-00001|D|2010-07-04|2015-01-20|2010-07-04|",
+                                      "2011-00001|D|2011-06-02|2014-02-03|0000-00-00|"}));
+  EXPECT_EQ(Rows("select p.patient_id,r.notes,r.date,r.weight from record_entry r join patient p on p.id=r.patient_id "
+                 "order by r.id"),
+            (std::vector<std::string>{"2011-00001|Capture\n|2011-06-02 00:00:00|0",  // "2011-6-2T0 12:00:00"
+                                      "2010-00001|Birth\n|2010-07-04 12:00:00|0",
+                                      "2011-00001||2013-04-02 10:15:00|500",
+                                      "2010-00001|Move To: Shark Tank A|2013-04-05 12:00:00|0",
+                                      "2010-00001||2015-01-20 00:00:00|0",
+                                      "2000-00001|Census update\n---------------\nType: Death\nMethod: Undetermined\n"
+                                      "M=0, F=0, UNK=0, Group=0, Change=-7|2016-02-01 00:00:00|0"}));
+  EXPECT_EQ(Value("select date from biometric"), "2013-04-02");
+  EXPECT_EQ(Rows("select value,date from attributes where name='Census' order by id"),
+            (std::vector<std::string>{"Total=7, M=0, F=0, UNK=7|2012-03-10 00:00:00",
+                                      "Total=0, M=0, F=0, UNK=0|2016-02-01 00:00:00"}));
+}
+
+// A move to "Falls Lake" finds the lake's row whether the enclosure import
+// wrote it (named "Falls Lake Reservoir", described "Falls Lake") or the
+// application holds a location described "Falls Lake Reservoir", which is
+// preferred as before.
+TEST_F(PksImportTest, MoveToFallsLakeFindsTheLake) {
+  const std::string lake = Field("Enclosure", "Falls Lake") + Field("Identifier", "Falls Lake") +
+                           Field("Category", "Aquatic") + Field("Type", "Exhibit");
+  struct Case {
+    const char* entered;  // a location row of the application, or ""
+    const char* location;
+  };
+  const Case cases[] = {
+      {"", "Falls Lake Reservoir"},
+      {"insert into location(name,description) values ('FLR','Falls Lake Reservoir')", "FLR"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.location);
+    TearDown();
+    SetUp();
+    std::string dir = MakeTempDir();
+    WriteIni(dir);
+    if (c.entered[0] != '\0') Exec(c.entered);
+    WriteFile(dir + "/EnclosureTree.xml", Table("EnclosureTree", {lake}));
+    EXPECT_EQ(RunJob(dir, "habitats"), "CSAQ_PKS - habitats - 2015\nProcessed 1 enclosures\n");
+    WriteExports(dir, {{"Animals", {Field("Local_ID", "A1") + Field("TaxonInfo", "Fish/Pigfish")}},
+                       {"EnclosureMoves", {Field("Local_ID", "A1") + Field("EnclosureName", "Falls Lake") +
+                                           Field("MovedInDate", "2012-07-20")}}});
+    std::string log = RunJob(dir, "patient");
+    EXPECT_NE(log.find("\tWARNING: Modifying location: 'Falls Lake'\n"), std::string::npos) << log;
+    EXPECT_EQ(log.find("Can't find name"), std::string::npos) << log;
+    EXPECT_EQ(Value("select location from patient"), c.location);
+    EXPECT_EQ(Value("select notes from record_entry"), "Move To: Falls Lake Reservoir");
+  }
 }
 
 }  // namespace

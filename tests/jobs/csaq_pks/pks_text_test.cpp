@@ -15,13 +15,6 @@ TEST(PksTextTest, DatesAndNumbers) {
   };
   for (const auto& [note_date, date] : qualified) EXPECT_EQ(StripDateQualifier(note_date), date) << note_date;
 
-  for (const char* date : {"2012-05-01", "2013-04-02 10:15:00", "2013-04-02T10:15:00+05:00"}) {
-    EXPECT_TRUE(IsExportDate(date)) << date;
-  }
-  for (const char* date : {"", "2012-5-01", "5/1/2012", "2012-05-0"}) {
-    EXPECT_FALSE(IsExportDate(date)) << date;
-  }
-
   const std::pair<const char*, int> counts[] = {{"12", 12}, {" -3", -3}, {"+4 animals", 4}, {"7.9", 7}};
   for (const auto& [text, value] : counts) {
     int read = 99;

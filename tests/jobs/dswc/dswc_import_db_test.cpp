@@ -101,12 +101,14 @@ TEST_F(DswcImportTest, LastFieldOfALineKeepsItsLineFeed) {
             "Quill\tAda\tM\t1 Main St, Tucson, AZ 85701\t520-555-0100 (Cell)\t \t \tada@example.com\r\n"
             "Reyes\tLuis\tP\t2 Oak St, Tucson, AZ 85702\t520-555-0101 (Home)\t \t \tluis@example.com\t7/4\r\n"
             "Castellanos\r\n"
-            "\r\n");
+            "\r\n"
+            " \t \t \t \t \t \t \t \t \r\n");  // blanks only: a contact like any other row
   EXPECT_EQ(RunJob(dir, "address_book", "2011"),
-            "DsWC - address_book - 2011\nLoading address book data from './AddressBook.txt'\nImported 3 entries\n");
+            "DsWC - address_book - 2011\nLoading address book data from './AddressBook.txt'\nImported 4 entries\n");
   EXPECT_EQ(Rows("select contactName, email, dob from addressBook order by id"),
             (std::vector<std::string>{"Ada M Quill|ada@example.com\n|0000-00-00",
-                                      "Luis P Reyes|luis@example.com|0000-07-04", " Castellanos\n||0000-00-00"}));
+                                      "Luis P Reyes|luis@example.com|0000-07-04", " Castellanos\n||0000-00-00",
+                                      "     | |0000-00-00"}));
 }
 
 // One directory that gains an input file before some runs; no run imports anything.

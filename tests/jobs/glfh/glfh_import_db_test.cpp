@@ -80,7 +80,7 @@ TEST_F(GlfhImportTest, ProgressOnATerminalOnly) {
             ReadFile(CORVANA_SOURCE_DIR "/tests/jobs/glfh/expected/glfh_patients.log"));
 
   Exec("delete from patient; delete from record_entry");
-  ProgramRun piped = RunProgram(dir, {"-org", "GLFH", "-type", "patient", "-year", "2012"});
+  ProgramRun piped = RunProgram(dir, {"-org", "GLFH", "-type", "patient", "-year", "2012", "-again"});
   EXPECT_EQ(piped.errors, "");
   EXPECT_EQ(piped.output.substr(piped.output.find(connected)), watched.output.substr(watched.output.find(connected)));
 }

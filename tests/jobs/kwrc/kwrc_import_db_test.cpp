@@ -58,11 +58,11 @@ TEST_F(KwrcImportTest, SampleYear) {
             "Rows written:\n"
             "  patient                      18 inserted       36 updated\n"
             "  problems                     31 inserted\n"
-            "  record_entry                 17 inserted\n"
+            "  record_entry                 18 inserted\n"
             "  releases                      8 inserted\n"
             "  transfers                     1 inserted\n"
-            "Statements: 148 sent, 1 failed\n"
-            "Log lines reporting an error or a warning: 7\n");
+            "Statements: 150 sent, 0 failed\n"
+            "Log lines reporting an error or a warning: 6\n");
   // The counts are the rows the run left in the tables (the settings row was seeded).
   for (const char* table : {"patient", "problems", "record_entry", "releases", "transfers"}) {
     std::string line = summary_.substr(summary_.find(std::string("  ") + table + " "));
@@ -119,6 +119,18 @@ TEST_F(KwrcImportTest, SplitKwrcAddress) {
   }
   std::string printed = testing::internal::GetCapturedStdout();
   EXPECT_NE(printed.find("Addr: 'Wenquan Town', District: '', Province: 'Hebei'\n"), std::string::npos);
+}
+
+// Only an empty line is passed over: a line of tabs has no field, and is
+// reported as the short line it is.
+TEST_F(KwrcImportTest, LineOfTabsIsReportedEmptyLineIsNot) {
+  std::string dir = MakeTempDir();
+  WriteIni(dir);
+  WriteFile(dir + "/KWRC_2012.txt", "header\r\n\r\n\t\t\t\r\n");
+  ProgramRun run = RunProgram(dir, {"-org", "KWRC", "-type", "patient", "-year", "2012"});
+  EXPECT_EQ(run.output.substr(Connected().size()),
+            "KWRC - patient - 2012\nLoading KWRC data for 2012...\n\n"
+            "\tERROR - only 0 of 14 fields for '', line skipped\nImported 0 records\n");
 }
 
 }  // namespace

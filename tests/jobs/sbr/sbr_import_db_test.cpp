@@ -173,4 +173,88 @@ TEST_F(SbrImportTest, ShortAndEmptyFiles) {
   EXPECT_EQ(Value("select count(*) from species") + Value("select count(*) from patient"), "00");
 }
 
+// Apostrophes in every text of a case that used to be sent unescaped (case
+// number, city, address, organisation, bands, places, problems, notes): each
+// lands whole, and the case keeps every row of its record.
+TEST_F(SbrImportTest, ApostrophesLandWholeWithTheWholeRecord) {
+  std::string dir = SampleDir();
+  auto line = [](const char* case_number, const char* disposition, const char* place) {
+    std::vector<std::string> cells(73, " ");
+    cells[0] = case_number;
+    cells[1] = "American Widgeon";
+    cells[2] = "Los Angeles";
+    cells[15] = "Unknown";
+    cells[17] = "O'Neill's Landing";
+    cells[18] = "9 O'Farrell St, Ventura";
+    cells[19] = "\"St. Mary's Wildlife Friends\"";
+    cells[22] = "2/3/2016";
+    cells[23] = "Found on the pier's end";
+    cells[26] = "Dr. O'Rhee";
+    cells[30] = "540";
+    cells[61] = "6'2";
+    cells[63] = "Flew off to Ma's cove";
+    cells[64] = "3/1/2016";
+    cells[66] = place;
+    cells[67] = disposition;
+    cells[68] = "1125-'4567";
+    cells[72] = "\"Pelican's hook wound;fisherman's line\"";
+    std::string text;
+    for (const std::string& cell : cells) text += (text.empty() ? "" : "\t") + cell;
+    return text + "\n";
+  };
+  WriteFile(dir + "/SBR_LA.txt", "header\n" + line("LA-16-0'50", "Released", "Miller's Pond") +
+                                     line("LA-16-0'51", "Transferred SouthBay Wildlife Rehabilitation",
+                                          "\"St. Mary's Sanctuary\""));
+  RunJob(dir, "SBR_LA", "species");
+  EXPECT_EQ(RunJob(dir, "SBR_LA", "patient", "LA"),
+            "SBR_LA - patient - 2016\nLoading patient data from './SBR_LA.txt'\nImported 2 patients\n");
+  EXPECT_EQ(Lines("select concat_ws('|',notes,found_addr,found_city,presenter_org,band) from patient"),
+            "Original case #: LA-16-0'50\n|9 O'Farrell St|O'Neill's Landing|St. Mary's Wildlife Friends|1125-'4567\n"
+            "Original case #: LA-16-0'51\n|9 O'Farrell St|O'Neill's Landing|St. Mary's Wildlife Friends|1125-'4567\n");
+  EXPECT_EQ(Lines("select value from attributes"), "LA-16-0'50\nLA-16-0'51\n");
+  EXPECT_EQ(Lines("select description from problems"),
+            "Pelican's hook wound\nfisherman's line\nPelican's hook wound\nfisherman's line\n");
+  // The import note, the admission entry and the release or transfer entry of each case.
+  EXPECT_EQ(Value("select count(*) from record_entry"), "6");
+  EXPECT_EQ(Value("select count(*) from record_entry where notes like '%History: Found on the pier''s end%' and "
+                  "notes like '%Examiner: Dr. O''Rhee%'"),
+            "2");
+  EXPECT_EQ(Value("select notes from record_entry where notes like 'Exit notes%'"),
+            "Exit notes: Flew off to Ma's cove\nTarsus: 6'2\n");
+  EXPECT_EQ(Lines("select concat_ws('|',location,band_number) from releases"), "Miller's Pond|1125-'4567\n");
+  EXPECT_EQ(Lines("select name from transfers"), "St. Mary's Sanctuary\n");
+}
+
+// A row of blanks and tabs with all its cells goes through each job like any
+// other row and gets the job's messages and counts; only an empty line is
+// passed over.
+TEST_F(SbrImportTest, BlankRowsFollowTheAlgorithm) {
+  const std::string dir = MakeTempDir();
+  WriteIni(dir);
+  std::filesystem::create_directory(dir + "/BandSightings");
+  auto blank_row = [](int cells) {
+    std::string row = " ";
+    for (int i = 1; i < cells; ++i) row += "\t ";
+    return row + "\r\n";
+  };
+  WriteFile(dir + "/species.txt", "header\r\n\r\n" + blank_row(7));
+  WriteFile(dir + "/SBR_LA.txt", "header\n\n" + blank_row(73) + "\t\t\n");
+  WriteFile(dir + "/BandSightings/BandSightings.txt", "header\n\n" + blank_row(23));
+  EXPECT_EQ(RunJob(dir, "SBR_LA", "species"),
+            "SBR_LA - species - 2016\nLoading species data from './species.txt'\n"
+            "ERROR: Invalid or missing abbreviation for ''\nLoaded 0 species\n");
+  // The blank row, then a row of tabs only (one cell, its line end).
+  EXPECT_EQ(RunJob(dir, "SBR_LA", "patient", "LA"),
+            "SBR_LA - patient - 2016\nLoading patient data from './SBR_LA.txt'\n"
+            "ERROR: Invalid or missing ID ' '\nERROR: Invalid species ' ' for ' '\n"
+            "ERROR: Invalid admission date ' ' for ' '\n"
+            "ERROR: Invalid or missing ID ''\n\tERROR - only 1 of 73 fields for '', line skipped\n"
+            "Imported 0 patients\n");
+  EXPECT_EQ(RunJob(dir, "SBR_LA", "band_sightings"),
+            "SBR_LA - band_sightings - 2016\nLoading patient data from './BandSightings/BandSightings.txt'\n"
+            "ERROR: invalid date ' ' for sighting on ' '\n"
+            "Created 0 band reports and inserted 0 images\nThere were 1 errors and 0 records were skipped.");
+  EXPECT_EQ(Value("select count(*) from species") + Value("select count(*) from patient"), "00");
+}
+
 }  // namespace

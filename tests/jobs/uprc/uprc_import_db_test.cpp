@@ -57,4 +57,18 @@ TEST_F(UprcImportTest, MissingYear) {
             "Unable to open './UPRC 2013.txt'\n");
 }
 
+// A row of blanks and tabs goes through the job and is reported like any bad
+// row; only an empty line is passed over.
+TEST_F(UprcImportTest, BlankRowIsReportedEmptyLineIsNot) {
+  std::string dir = MakeTempDir();
+  WriteFile(dir + "/UPRC 2012.txt", "header\r\n\r\n \t \t \t \t \t \t \t \t \t \r\n \r\n");
+  EXPECT_EQ(RunJob(dir, "2012"),
+            "UPRC - patient - 2012\n"
+            "Loading patient data from './UPRC 2012.txt'\n"
+            "\tERROR - Invalid admission date ' ' - ' '\n"
+            "\tERROR - Invalid final date ' ' - ' '\n"
+            "\tERROR - only 1 of 10 fields for '', line skipped\n"
+            "Imported 0 patients\n");
+}
+
 }  // namespace
