@@ -1,12 +1,9 @@
 #include "driver/safe_run.h"
 
-#include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cctype>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -16,6 +13,7 @@
 #include "store/connection.h"
 #include "store/journal.h"
 #include "util/log_watch.h"
+#include "util/platform.h"
 #include "util/progress.h"
 #include "util/sha256.h"
 
@@ -31,21 +29,18 @@ volatile sig_atomic_t g_journal_fd = -1;
 // Ctrl-C or a stop request: the journal says so on a line of its own (what
 // is still in its buffer was not sent), then the signal ends the program as
 // it would have. An atomic run's transaction dies with the connection.
-void OnInterrupt(int signal_number) {
+void JournalInterrupted() {
   int fd = g_journal_fd;
   if (fd >= 0) {
     static const char kEnd[] = "\nend\tinterrupted\n";
-    ssize_t ignored = write(fd, kEnd, sizeof kEnd - 1);
-    (void)ignored;
+    WriteFromHandler(fd, kEnd, sizeof kEnd - 1);
   }
-  ::signal(signal_number, SIG_DFL);
-  ::raise(signal_number);
 }
 
-std::string LocalTime() {
+std::string NowText() {
   std::time_t now = std::time(nullptr);
   std::tm local{};
-  localtime_r(&now, &local);
+  LocalTime(now, &local);
   char text[32];
   std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
   return text;
@@ -61,12 +56,12 @@ std::string FileNamePart(const std::string& text) {
 // Creates the run's journal file, named by the time (so that ls sorts the
 // journals by time) and the job. Returns its path, or "" on failure.
 std::string CreateJournalFile(RunJournal& journal) {
-  mkdir(kJournalFolder, 0755);
+  MakeFolder(kJournalFolder);  // or it is there already
   auto now = std::chrono::system_clock::now();
   std::time_t seconds = std::chrono::system_clock::to_time_t(now);
   auto millis = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
   std::tm local{};
-  localtime_r(&seconds, &local);
+  LocalTime(seconds, &local);
   char stamp[40];
   std::strftime(stamp, sizeof stamp, "%Y%m%d-%H%M%S", &local);
   std::string base = std::string(kJournalFolder) + "/" + stamp + "." + std::to_string(1000 + millis).substr(1) +
@@ -88,7 +83,7 @@ void TransactionLost(const char* why) {
   ProgressClear();
   std::fprintf(stderr, "The connection to the database server was lost (%s): the run stops here; %s\n", why,
                g_run.dry_run ? "it was a dry run, nothing was written" : "nothing of this run was written");
-  if (g_journal) g_journal->FinishWithoutRows("lost connection, rolled back", LocalTime());
+  if (g_journal) g_journal->FinishWithoutRows("lost connection, rolled back", NowText());
   std::fflush(stderr);
   std::exit(kExitNothingWritten);
 }
@@ -173,8 +168,7 @@ int BeginSafeRun(const SafeRunOptions& options, const JobDescription& job, const
     }
     std::fprintf(stderr, "Journal of this run: %s\n", path.c_str());
     g_journal_fd = g_journal->FileDescriptor();
-    ::signal(SIGINT, OnInterrupt);
-    ::signal(SIGTERM, OnInterrupt);
+    OnInterrupt(JournalInterrupted);
     g_journal->Record({"# CorvanaDataImporter journal: one record per line, fields separated by tabs"});
     g_journal->Record({"journal", "1"});
     g_journal->Record({"server", target.server});
@@ -184,14 +178,14 @@ int BeginSafeRun(const SafeRunOptions& options, const JobDescription& job, const
     for (std::size_t i = 0; i + 2 < files.size(); i += 3) {
       g_journal->Record({"file", files[i], files[i + 1], files[i + 2]});
     }
-    g_journal->Record({"start", LocalTime()});
+    g_journal->Record({"start", NowText()});
     SetWriteObserver(g_journal.get());
   }
   if (options.dry_run || options.atomic) {
     SetTransactionLostHandler(TransactionLost);
     if (BeginRunTransaction() != 0) {
       std::fprintf(stderr, "Refused: the server did not open a transaction: %s\n", LastDbError());
-      if (g_journal) g_journal->FinishWithoutRows("refused, nothing written", LocalTime());
+      if (g_journal) g_journal->FinishWithoutRows("refused, nothing written", NowText());
       return kExitRefused;
     }
     g_transaction = true;
@@ -208,14 +202,14 @@ int EndSafeRun(std::string& summary_note) {
       summary_note = "Dry run: nothing was written (all rolled back); the rows above are what the run would write\n";
     } else if (EndRunTransaction(true) != 0) {
       summary_note = std::string("The commit failed (") + LastDbError() + "): nothing of this run was written\n";
-      if (g_journal) g_journal->FinishWithoutRows("commit failed, rolled back", LocalTime());
+      if (g_journal) g_journal->FinishWithoutRows("commit failed, rolled back", NowText());
       exit_code = kExitNothingWritten;
     } else {
       summary_note = "Atomic run: committed\n";
     }
   }
   SetWriteObserver(nullptr);
-  if (g_journal && exit_code == 0) g_journal->Finish("completed", LocalTime());
+  if (g_journal && exit_code == 0) g_journal->Finish("completed", NowText());
   g_journal_fd = -1;
   g_journal.reset();
   return exit_code;

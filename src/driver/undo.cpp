@@ -11,6 +11,7 @@
 
 #include "store/connection.h"
 #include "store/journal.h"
+#include "util/platform.h"
 
 namespace {
 
@@ -30,10 +31,10 @@ struct UndoTable {
   unsigned long long put_back = 0;
 };
 
-std::string LocalTime() {
+std::string NowText() {
   std::time_t now = std::time(nullptr);
   std::tm local{};
-  localtime_r(&now, &local);
+  LocalTime(now, &local);
   char text[32];
   std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
   return text;
@@ -286,7 +287,7 @@ int UndoRun(const std::string& path, bool force, const ConnectionTarget& target)
     std::fprintf(stderr, "The commit failed: %s\nNothing was undone\n", LastDbError());
     return kExitRefused;
   }
-  if (!AppendJournalRecord(path, {"undone", LocalTime(), force && !changed_rows.empty() ? "forced" : ""})) {
+  if (!AppendJournalRecord(path, {"undone", NowText(), force && !changed_rows.empty() ? "forced" : ""})) {
     std::fprintf(stderr, "Warning: the run was undone, but the journal could not be marked as undone\n");
   }
   std::fprintf(stderr, "== Undo of %s\n", path.c_str());

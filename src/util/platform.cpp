@@ -1,19 +1,43 @@
 #include "util/platform.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #ifdef _WIN32
 #include <fcntl.h>
+#include <direct.h>
 #include <io.h>
 #include <sys/stat.h>
 #include <windows.h>
 #else
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
+
+namespace {
+
+void (*g_last_words)() = nullptr;
+
+void Interrupted(int signal_number) {
+  if (g_last_words != nullptr) g_last_words();
+  std::signal(signal_number, SIG_DFL);
+  std::raise(signal_number);
+}
+
+}  // namespace
+
+void OnInterrupt(void (*last_words)()) {
+  g_last_words = last_words;
+  std::signal(SIGINT, Interrupted);
+  std::signal(SIGTERM, Interrupted);
+#ifdef SIGBREAK
+  std::signal(SIGBREAK, Interrupted);
+#endif
+}
 
 #ifdef _WIN32
 
@@ -61,6 +85,14 @@ bool CreateNewPrivateFile(const char* path, const char* content) {
 }
 
 bool LocalTime(std::time_t when, std::tm* out) { return localtime_s(out, &when) == 0; }
+
+bool MakeFolder(const char* path) { return _mkdir(path) == 0; }
+
+void WriteFromHandler(int fd, const char* data, std::size_t size) {
+  // Binary: the journal's line ends are LF on every system.
+  int written = _write(fd, data, static_cast<unsigned>(size));
+  (void)written;
+}
 
 bool IsTerminal(bool stderr_stream) {
   HANDLE handle = GetStdHandle(stderr_stream ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE);
@@ -149,6 +181,13 @@ bool CreateNewPrivateFile(const char* path, const char* content) {
 }
 
 bool LocalTime(std::time_t when, std::tm* out) { return localtime_r(&when, out) != nullptr; }
+
+bool MakeFolder(const char* path) { return mkdir(path, 0755) == 0; }
+
+void WriteFromHandler(int fd, const char* data, std::size_t size) {
+  ssize_t written = write(fd, data, size);
+  (void)written;
+}
 
 bool IsTerminal(bool stderr_stream) { return isatty(stderr_stream ? STDERR_FILENO : STDOUT_FILENO) == 1; }
 

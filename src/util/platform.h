@@ -2,10 +2,12 @@
 // one place, so that the jobs, the driver and the other utilities read the
 // same on both: the folder prefix of the two input names written with the
 // system's separator, creating the configuration file, telling a terminal or
-// console, and routing stdout through the log watch.
+// console, routing stdout through the log watch, the journal's folder, and
+// Ctrl-C.
 #pragma once
 
 #include <cstddef>
+#include <cstdio>
 #include <ctime>
 
 // The current folder with the system's own separator: ".\" on Windows, "./"
@@ -17,6 +19,16 @@ inline constexpr const char* kCurrentFolder = ".\\";
 inline constexpr const char* kCurrentFolder = "./";
 #endif
 
+// The next byte of `file` without taking its lock (one reader only), or EOF:
+// getc's speed for reading a whole file byte by byte.
+inline int GetByteUnlocked(std::FILE* file) {
+#ifdef _WIN32
+  return _getc_nolock(file);
+#else
+  return getc_unlocked(file);
+#endif
+}
+
 // Creates `path` holding `content`, only if nothing of that name exists (never
 // through a dangling link, never over a file that appeared meanwhile), readable
 // and writable by its owner only where the system has such modes. False when
@@ -25,6 +37,21 @@ bool CreateNewPrivateFile(const char* path, const char* content);
 
 // The local time of `when`, thread-safe; false when it cannot be told.
 bool LocalTime(std::time_t when, std::tm* out);
+
+// Creates the folder `path` (rwxr-xr-x where the system has modes). False
+// when it could not be made, also when it exists already.
+bool MakeFolder(const char* path);
+
+// On Ctrl-C or a stop request (SIGINT, SIGTERM; on Windows also Ctrl-Break),
+// calls `last_words` once and then lets the signal end the program as it would
+// have. `last_words` runs in a signal handler (on Windows on a thread of its
+// own while the program goes on): it may only use WriteFromHandler.
+void OnInterrupt(void (*last_words)());
+
+// Writes `size` bytes to the descriptor `fd` directly, without a stream's
+// buffer; safe inside a signal handler. Failures are ignored: there is no one
+// left to tell.
+void WriteFromHandler(int fd, const char* data, std::size_t size);
 
 // True when standard error (`stderr` true) or standard output is a terminal or
 // a Windows console that a redrawn progress line can be shown on. On Windows
