@@ -6,7 +6,8 @@
 # log (the .exe's CR LF line ends turned into LF, and its ".\" in the two
 # input names written with the system's separator turned into "./"), the same
 # rows, the same files written. Then the failure cases: no INI file, a missing
-# input file, a bad option, a wrong password.
+# input file, a bad option, a wrong password; and the safe-run options: a dry
+# run, an atomic run, the journal, the refused second import, -again, -undo.
 #
 #   scripts/test-windows.sh            builds both programs first
 #   scripts/test-windows.sh --no-build uses build/ and build-windows/ as they are
@@ -14,7 +15,8 @@
 # Wine's prefix lives in build-windows/wine-prefix (made on first use). Starts
 # the server with scripts/db.sh start when it is not running (and stops it
 # again); a running one is used and left alone. Environment as for
-# scripts/db.sh, and CORVANA_WINDOWS_DIR as for scripts/build-windows.sh.
+# scripts/db.sh, and CORVANA_WINDOWS_DIR as for scripts/build-windows.sh;
+# KEEP=1 keeps the scratch folder (logs, rows, diffs) and names it on stderr.
 set -euo pipefail
 repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$repo"
@@ -51,7 +53,7 @@ cleanup() {
   done
   wineserver -k 2>/dev/null || true  # only this prefix's server
   [ $started -eq 0 ] || scripts/db.sh stop >/dev/null
-  rm -rf "$work"
+  if [[ -n ${KEEP:-} ]]; then echo "Kept $work" >&2; else rm -rf "$work"; fi
 }
 trap cleanup EXIT
 
@@ -89,7 +91,7 @@ run() {
   (cd "$dir/linux" && "$linux_exe" "$@") >"$dir/$step.linux.log" 2>"$dir/$step.linux.err"
   local linux_code=$?
   (cd "$dir/windows" && wine "$windows_exe" "$@") >"$dir/$step.windows.raw" 2>"$dir/$step.windows.err"
-  local windows_code=$?
+  windows_code=$?
   set -e
   checks=$((checks + 1))
   local what="$name: CorvanaDataImporter $*"
@@ -105,20 +107,36 @@ run() {
     { fail "$what: logs differ"; head -n 20 "$dir/$step.diff"; }
 }
 
-# rows CASE: every table of both databases must hold the same rows (the time
-# a row was written aside).
-rows() {
-  local name=$1 side db
+# dump CASE TAG: both databases' rows into $work/CASE/<side>.TAG.rows (the
+# time a row was written aside).
+dump() {
+  local name=$1 tag=$2 side db
   for side in linux windows; do
     db=$(side_db "$name" "$side")
     MYSQL_PWD=${CORVANA_DB_PASSWORD:-corvana} mariadb-dump --no-defaults --protocol=TCP --host=127.0.0.1 \
       --port="${CORVANA_DB_PORT:-3399}" --user="${CORVANA_DB_USER:-corvana}" --no-create-info \
       --skip-extended-insert --skip-dump-date --order-by-primary --skip-comments "$db" |
-      sed -E "s/'$(date +%Y-%m-%d) [0-9:]{8}'/'NOW'/g" >"$work/$name/$side.rows"
+      sed -E "s/'$(date +%Y-%m-%d) [0-9:]{8}'/'NOW'/g" >"$work/$name/$side.$tag.rows"
   done
+}
+
+# rows CASE: every table of both databases must hold the same rows.
+rows() {
+  local name=$1
+  dump "$name" now
   checks=$((checks + 1))
-  diff -u --label linux --label windows "$work/$name/linux.rows" "$work/$name/windows.rows" >"$work/$name/rows.diff" ||
-    { fail "$name: rows differ"; head -n 20 "$work/$name/rows.diff"; }
+  diff -u --label linux --label windows "$work/$name/linux.now.rows" "$work/$name/windows.now.rows" \
+    >"$work/$name/rows.diff" || { fail "$name: rows differ"; head -n 20 "$work/$name/rows.diff"; }
+}
+
+# same_rows CASE TAG WHAT: on both sides, the rows are as they were at `dump CASE TAG`.
+same_rows() {
+  local name=$1 tag=$2 side
+  dump "$name" now
+  for side in linux windows; do
+    checks=$((checks + 1))
+    cmp -s "$work/$name/$side.$tag.rows" "$work/$name/$side.now.rows" || fail "$name ($side): $3"
+  done
 }
 
 # same_file CASE FILE: a file the job wrote is the same on both sides (line
@@ -204,6 +222,69 @@ setup no_ini kwrc
 rm "$work/no_ini/linux/CorvanaDataImporter.ini" "$work/no_ini/windows/CorvanaDataImporter.ini"
 run no_ini -org KWRC -type patient -year 2012
 same_file no_ini CorvanaDataImporter.ini
+
+# The safe-run options, on the KWRC sample. A dry run: the plain run's log,
+# no rows, no journal. (Its rolled-back inserts still use up keys, so the
+# atomic run has a fresh database of its own.)
+setup dry kwrc settings.sql
+dump dry before
+run dry -org KWRC -type patient -year 2012 -dry-run
+same_rows dry before "a dry run wrote rows"
+for side in linux windows; do
+  checks=$((checks + 2))
+  cmp -s "$work/kwrc/1.$side.log" "$work/dry/1.$side.log" || fail "dry ($side): the log differs from a plain run's"
+  if ls "$work/dry/$side/CorvanaDataImporter-journal" 2>/dev/null | grep -q .; then
+    fail "dry ($side): a dry run kept a journal"
+  fi
+done
+
+# An atomic run: the log and rows of a plain run.
+setup safe kwrc settings.sql
+run safe -org KWRC -type patient -year 2012 -atomic
+rows safe
+for side in linux windows; do
+  checks=$((checks + 2))
+  cmp -s "$work/kwrc/1.$side.log" "$work/safe/1.$side.log" || fail "safe ($side): the atomic log differs from plain"
+  cmp -s "$work/kwrc/$side.now.rows" "$work/safe/$side.now.rows" || fail "safe ($side): atomic rows differ from plain"
+done
+
+# journal CASE NAME: the case's one new journal on each side, renamed NAME;
+# both must hold the same records apart from the database's name and times.
+journal() {
+  local name=$1 side file
+  for side in linux windows; do
+    file=$(cd "$work/$name/$side/CorvanaDataImporter-journal" 2>/dev/null && ls -t | grep -v '^j-' | head -n 1 || true)
+    [[ -n $file ]] || { file=none; continue; }
+    mv "$work/$name/$side/CorvanaDataImporter-journal/$file" "$work/$name/$side/CorvanaDataImporter-journal/$2"
+    sed -E -e "s/$(side_db "$name" "$side")/DB/g" -e 's/^(start|undone)\t[^\t]*/\1\tTIME/' \
+      -e 's/^(end\t[^\t]*)\t.*/\1\tTIME/' "$work/$name/$side/CorvanaDataImporter-journal/$2" \
+      >"$work/$name/$side.$2"
+  done
+  checks=$((checks + 1))
+  if [[ $file == none ]]; then
+    fail "$name: no journal on the $side side"
+  elif ! grep -q $'^+\t' "$work/$name/windows.$2"; then
+    fail "$name: the Windows journal lists no inserted rows"
+  else
+    diff -u --label linux --label windows "$work/$name/linux.$2" "$work/$name/windows.$2" >"$work/$name/$2.diff" ||
+      { fail "$name: journals differ"; head -n 20 "$work/$name/$2.diff"; }
+  fi
+}
+journal safe j-atomic.journal
+dump safe atomic
+
+# The same import again is refused (exit 2, nothing written); -again runs it.
+run safe -org KWRC -type patient -year 2012
+checks=$((checks + 1))
+[[ $windows_code == 2 ]] || fail "safe: a second import was not refused with exit code 2"
+same_rows safe atomic "a refused second import wrote rows"
+run safe -org KWRC -type patient -year 2012 -again
+rows safe
+journal safe j-again.journal
+
+# Undo of the second import: the rows are back to after the first.
+run safe -undo CorvanaDataImporter-journal/j-again.journal
+same_rows safe atomic "undo did not put the rows back"
 
 echo "test-windows.sh: $checks checks, $failures failed"
 [ $failures -eq 0 ]
