@@ -24,8 +24,15 @@ void (*g_last_words)() = nullptr;
 
 void Interrupted(int signal_number) {
   if (g_last_words != nullptr) g_last_words();
+#ifdef _WIN32
+  // The C runtime's own ending would be exit code 3, which here means "dry or
+  // atomic run lost, nothing written"; end as a shell reports a signal's end
+  // on Linux (130 for Ctrl-C).
+  _exit(128 + signal_number);
+#else
   std::signal(signal_number, SIG_DFL);
   std::raise(signal_number);
+#endif
 }
 
 }  // namespace

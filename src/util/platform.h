@@ -44,7 +44,8 @@ bool MakeFolder(const char* path);
 
 // On Ctrl-C or a stop request (SIGINT, SIGTERM; on Windows also Ctrl-Break),
 // calls `last_words` once and then lets the signal end the program as it would
-// have. `last_words` runs in a signal handler (on Windows on a thread of its
+// have (on Windows with exit code 128 + the signal's number, as a Linux shell
+// reports it: 130 for Ctrl-C). `last_words` runs in a signal handler (on Windows on a thread of its
 // own while the program goes on): it may only use WriteFromHandler.
 void OnInterrupt(void (*last_words)());
 
