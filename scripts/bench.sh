@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Benchmarks every import job on synthetic input against the local MariaDB.
 #
-#   scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--durable]
+#   scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--durable] [--windows]
 #
 # For each job: generates its input with bench/gen/ (default sizes times F),
 # makes a fresh database (scripts/db.sh create), runs the job's prerequisite
@@ -20,6 +20,10 @@
 #   --no-floor     no general log capture and no replay
 #   --no-xml       no XML reader benchmark
 #   --jobs RE      only the jobs whose name matches the extended regex RE
+#   --windows      two more rows: KWRC and the CSAQ_PKS patient import run by
+#                  the Windows build under Wine (scripts/build-windows.sh), to
+#                  compare the work per statement with the Linux build's rows;
+#                  the wall times include what Wine adds to each round trip
 #   --durable      each job as a plain run and as an -atomic run, on the local
 #                  server and on a second server of the script's own with
 #                  production settings (innodb_flush_log_at_trx_commit=1,
@@ -43,6 +47,7 @@ growth=0
 floor=1
 xml=1
 only=""
+windows=0
 durable=0
 while [[ $# -gt 0 ]]; do
   case $1 in
@@ -51,8 +56,9 @@ while [[ $# -gt 0 ]]; do
     --no-floor) floor=0; shift ;;
     --no-xml) xml=0; shift ;;
     --jobs) only=${2:?--jobs needs a pattern}; shift 2 ;;
+    --windows) windows=1; shift ;;
     --durable) durable=1; shift ;;
-    *) echo "usage: scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--durable]" >&2; exit 2 ;;
+    *) echo "usage: scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--durable] [--windows]" >&2; exit 2 ;;
   esac
 done
 (( durable )) && { floor=0; growth=0; xml=0; }
@@ -97,6 +103,13 @@ jobs=(
   "CSAQ_FF invert_species_groups|csaq_ff|$ff_patient|CSAQ_FF invert_species_groups 2016|InvertebrateSpecies.txt"
 )
 
+# The Windows build's rows: the same jobs, named with this suffix.
+wine_suffix=" (Windows, Wine)"
+if (( windows )); then
+  jobs+=("KWRC patient$wine_suffix|kwrc|sql settings.sql|KWRC patient 2012|KWRC_2012.txt"
+    "CSAQ_PKS patient$wine_suffix|csaq_pks|sql species.sql;run CSAQ_PKS habitats 2015|CSAQ_PKS patient 2015|$pks_files")
+fi
+
 log() { echo "bench: $*" >&2; }
 
 # ---------------------------------------------------------------------------
@@ -130,6 +143,17 @@ cmake -S "$repo" -B "$work" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCORVANA_TESTS=OF
 cmake --build "$work" -j2 >>"$work/cmake.log" 2>&1 || { tail -30 "$work/cmake.log" >&2; exit 1; }
 program="$work/CorvanaDataImporter"
 replay="$work/bench/replay"
+linux_program=$program
+if (( windows )); then
+  "$repo/scripts/build-windows.sh" >&2
+  windows_dir=$(realpath -m "${CORVANA_WINDOWS_DIR:-$repo/build-windows}")
+  export WINEPREFIX=$windows_dir/wine-prefix WINEDEBUG=-all
+  [[ -f $WINEPREFIX/system.reg ]] || wine wineboot --init >/dev/null 2>&1 || true
+  wine_program=$windows_dir/wine-run
+  # One command for /usr/bin/time, as the Linux program is.
+  printf '#!/bin/sh\nexec wine %q "$@"\n' "$windows_dir/CorvanaDataImporter.exe" >"$wine_program"
+  chmod +x "$wine_program"
+fi
 
 "$db" start >&2
 
@@ -267,7 +291,9 @@ measure() {  # JOB-LINE FACTOR: one measured run, one line to $results
   # one's ini file went elsewhere).
   log "$name x$factor: running"
   read -r -a run_words <<<"$measured"
+  [[ $name == *"$wine_suffix" ]] && program=$wine_program
   run_job "$dir" "$out" "${run_words[@]}"
+  program=$linux_program
   (( floor )) && restore_log
   local summary bytes=0 f
   summary=$(python3 "$tool" summary "$out.err")

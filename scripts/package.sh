@@ -5,9 +5,31 @@
 #   scripts/package.sh --try      also install it on this machine with apt and run a
 #                                 sample job with the installed program against the
 #                                 local MariaDB (what CI does on its fresh machine)
+#   scripts/package.sh --windows  instead, the operators' download for Windows:
+#                                 build-windows/package/corvana-data-importer-<version>-windows-x64.zip
+#                                 (CorvanaDataImporter.exe, schema.sql, README.txt, samples\)
 set -euo pipefail
 repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$repo"
+
+if [[ ${1:-} == --windows ]]; then
+  scripts/build-windows.sh
+  out=$(realpath -m "${CORVANA_WINDOWS_DIR:-$repo/build-windows}")
+  version=$(sed -n 's/^project(CorvanaDataImporter VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+  name=corvana-data-importer-$version-windows-x64
+  stage=$out/package/$name
+  rm -rf "$stage" "$stage.zip"
+  mkdir -p "$stage"
+  cp "$out/CorvanaDataImporter.exe" db/schema.sql "$stage/"
+  # Text files as Notepad expects them.
+  sed 's/$/\r/' README.md >"$stage/README.txt"
+  cp -r samples "$stage/samples"
+  find "$stage/samples" \( -name CorvanaDataImporter.ini -o -name GroupTempFile.txt \) -delete
+  (cd "$out/package" && zip -qr -X "$name.zip" "$name")
+  rm -rf "$stage"
+  echo "Built $out/package/$name.zip"
+  exit 0
+fi
 
 scripts/install-deps.sh
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null

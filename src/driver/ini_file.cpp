@@ -1,8 +1,6 @@
 #include "driver/ini_file.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -10,6 +8,7 @@
 #include <string>
 
 #include "util/line_reader.h"
+#include "util/platform.h"
 #include "util/strings.h"
 
 IniFile g_config("./CorvanaDataImporter.ini");
@@ -43,13 +42,8 @@ int IniFile::IniLoad() {
     if (!S_ISREG(info.st_mode)) return 1;
   } else {
     if (errno != ENOENT) return 1;
-    // O_EXCL: never through a dangling link, never over a file that appeared
-    // meanwhile. Owner only, since the file will hold a password.
-    int created = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0600);
-    if (created < 0) return 1;
-    bool written = write(created, "\n", 1) == 1;
-    close(created);
-    if (!written) return 1;
+    // Owner only where that exists, since the file will hold a password.
+    if (!CreateNewPrivateFile(path_.c_str(), "\n")) return 1;
   }
   LineReader reader(path_.c_str(), kMaxRead, false);
   if (!reader.is_open()) return 1;

@@ -1,12 +1,9 @@
 #include "driver/safe_run.h"
 
-#include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cctype>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -17,6 +14,7 @@
 #include "store/journal.h"
 #include "util/dates.h"
 #include "util/log_watch.h"
+#include "util/platform.h"
 #include "util/progress.h"
 #include "util/sha256.h"
 
@@ -32,15 +30,12 @@ volatile sig_atomic_t g_journal_fd = -1;
 // Ctrl-C or a stop request: the journal says so on a line of its own (what
 // is still in its buffer was not sent), then the signal ends the program as
 // it would have. An atomic run's transaction dies with the connection.
-void OnInterrupt(int signal_number) {
+void JournalInterrupted() {
   int fd = g_journal_fd;
   if (fd >= 0) {
     static const char kEnd[] = "\nend\tinterrupted\n";
-    ssize_t ignored = write(fd, kEnd, sizeof kEnd - 1);
-    (void)ignored;
+    WriteFromHandler(fd, kEnd, sizeof kEnd - 1);
   }
-  ::signal(signal_number, SIG_DFL);
-  ::raise(signal_number);
 }
 
 // A name part of the journal's file name: letters, digits, '_' and '-' only.
@@ -53,12 +48,12 @@ std::string FileNamePart(const std::string& text) {
 // Creates the run's journal file, named by the time (so that ls sorts the
 // journals by time) and the job. Returns its path, or "" on failure.
 std::string CreateJournalFile(RunJournal& journal) {
-  mkdir(kJournalFolder, 0755);
+  MakeFolder(kJournalFolder);  // or it is there already
   auto now = std::chrono::system_clock::now();
   std::time_t seconds = std::chrono::system_clock::to_time_t(now);
   auto millis = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
   std::tm local{};
-  localtime_r(&seconds, &local);
+  LocalTime(seconds, &local);
   char stamp[40];
   std::strftime(stamp, sizeof stamp, "%Y%m%d-%H%M%S", &local);
   std::string base = std::string(kJournalFolder) + "/" + stamp + "." + std::to_string(1000 + millis).substr(1) +
@@ -165,8 +160,7 @@ int BeginSafeRun(const SafeRunOptions& options, const JobDescription& job, const
     }
     std::fprintf(stderr, "Journal of this run: %s\n", path.c_str());
     g_journal_fd = g_journal->FileDescriptor();
-    ::signal(SIGINT, OnInterrupt);
-    ::signal(SIGTERM, OnInterrupt);
+    OnInterrupt(JournalInterrupted);
     g_journal->Record({"# CorvanaDataImporter journal: one record per line, fields separated by tabs"});
     g_journal->Record({"journal", "1"});
     g_journal->Record({"server", target.server});

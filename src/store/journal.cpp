@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstring>
 
+#include "util/platform.h"
 #include "util/strings.h"
 
 namespace {
@@ -135,7 +136,7 @@ bool ReadJournal(const std::string& path, std::vector<JournalRecord>& records, b
     if (!line.empty() && line[0] != '#') records.push_back(record);
     line.clear();
   };
-  while ((c = getc_unlocked(file)) != EOF) {
+  while ((c = GetByteUnlocked(file)) != EOF) {
     if (c == '\n') {
       flush_line();
       if (head_only && !records.empty() && records.back()[0] == "start") break;

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "util/platform.h"
 #include "util/strings.h"
 
 namespace {
@@ -94,7 +95,7 @@ const char* NowTimestamp() {
   static char stamp[80];  // room for any value the fields can hold
   std::time_t now = std::time(nullptr);
   std::tm local{};
-  localtime_r(&now, &local);
+  LocalTime(now, &local);
   std::snprintf(stamp, sizeof stamp, "%.4d-%.2d-%.2d %.2d:%.2d:%.2d", local.tm_year + 1900,
                 local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
   return stamp;

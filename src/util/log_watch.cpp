@@ -1,12 +1,10 @@
 #include "util/log_watch.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
 
+#include "util/platform.h"
 #include "util/progress.h"
 
 namespace {
@@ -36,17 +34,11 @@ void Scan(const char* data, std::size_t size) {
   }
 }
 
-ssize_t WriteThrough(void*, const char* data, std::size_t size) {
+// Sees each piece of the log on its way out (on Windows from a thread of its
+// own, hence the progress line's lock).
+void WatchPiece(const char* data, std::size_t size) {
   if (g_watch.terminal) ProgressHide();
   Scan(data, size);
-  std::size_t written = 0;
-  while (written < size) {
-    ssize_t n = write(STDOUT_FILENO, data + written, size - written);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return written > 0 ? static_cast<ssize_t>(written) : -1;
-    written += static_cast<std::size_t>(n);
-  }
-  return static_cast<ssize_t>(size);
 }
 
 }  // namespace
@@ -60,16 +52,12 @@ bool IsProblemLine(const char* line) {
 }
 
 void WatchLog() {
-  std::fflush(stdout);
-  cookie_io_functions_t functions{nullptr, WriteThrough, nullptr, nullptr};
-  std::FILE* watched = fopencookie(nullptr, "w", functions);
-  if (watched == nullptr) return;  // the log still goes out, only uncounted
-  g_watch.terminal = isatty(STDOUT_FILENO) == 1;
-  setvbuf(watched, nullptr, g_watch.terminal ? _IOLBF : _IOFBF, 64 * 1024);
-  stdout = watched;
+  g_watch.terminal = IsTerminal(false);
+  // Should the route fail, the log still goes out, only uncounted.
+  RouteStdout(WatchPiece, g_watch.terminal);
 }
 
 unsigned long long ProblemLines() {
-  std::fflush(stdout);
+  DrainStdout();
   return g_watch.problems;
 }

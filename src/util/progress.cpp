@@ -1,13 +1,14 @@
 #include "util/progress.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <string>
+
+#include "util/platform.h"
 
 namespace {
 
@@ -38,11 +39,14 @@ struct Progress {
 
 Progress g_progress;
 
+// On Windows the log watch hides the line from a thread of its own.
+std::mutex g_screen;
+
 bool Enabled() {
   if (!g_progress.checked) {
     g_progress.checked = true;
     const char* term = std::getenv("TERM");
-    g_progress.shown = isatty(STDERR_FILENO) == 1 && (term == nullptr || std::strcmp(term, "dumb") != 0);
+    g_progress.shown = IsTerminal(true) && (term == nullptr || std::strcmp(term, "dumb") != 0);
   }
   return g_progress.shown;
 }
@@ -96,6 +100,7 @@ void Draw(Clock::time_point now) {
     }
   }
   line += "\x1b[K";  // clears what a longer earlier line left
+  std::lock_guard<std::mutex> lock(g_screen);
   std::fwrite(line.data(), 1, line.size(), stderr);
   std::fflush(stderr);
   g_progress.drawn = true;
@@ -156,6 +161,7 @@ void ProgressStatement() {
 }
 
 void ProgressHide() {
+  std::lock_guard<std::mutex> lock(g_screen);
   if (!g_progress.drawn) return;
   std::fputs("\r\x1b[K", stderr);
   std::fflush(stderr);

@@ -16,6 +16,7 @@
 #include "store/record_entry_store.h"
 #include "util/dates.h"
 #include "util/line_reader.h"
+#include "util/platform.h"
 #include "util/strings.h"
 #include "util/tokenizer.h"
 
@@ -473,7 +474,7 @@ bool ImportLine(const std::string& text, SbrRun& run) {
 
 int ImportSbrPatients(const char* region) {
   Text<64> file_name{};
-  file_name.Format("./SBR_%s.txt", region);
+  file_name.Format("%sSBR_%s.txt", kCurrentFolder, region);
   std::printf("Loading patient data from '%s'\n", file_name.c_str());
   LineReader reader(file_name.c_str(), kMaxLine);
   if (!reader.CanRead()) {

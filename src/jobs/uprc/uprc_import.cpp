@@ -13,6 +13,7 @@
 #include "store/record_entry_store.h"
 #include "util/dates.h"
 #include "util/line_reader.h"
+#include "util/platform.h"
 #include "util/strings.h"
 #include "util/tokenizer.h"
 
@@ -194,7 +195,7 @@ bool ReadUprcPatient(char* const column[kUprcColumnCount], PatientRecord& patien
 
 int ImportUprcPatients(int year) {
   Text<64> file_name{};
-  file_name.Format("./UPRC %d.txt", year);
+  file_name.Format("%sUPRC %d.txt", kCurrentFolder, year);
   std::printf("Loading patient data from '%s'\n", file_name.c_str());
   LineReader reader(file_name.c_str(), kMaxLine);
   if (!reader.CanRead()) {
