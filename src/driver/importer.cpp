@@ -121,7 +121,7 @@ int RunImporter(int argc, const char* const* argv) {
       CloseDatabase();
       return exit_code;
     }
-    RunSelectedJob(OrgCode.c_str(), DataType.c_str(), options);
+    RunInPasses([&] { RunSelectedJob(OrgCode.c_str(), DataType.c_str(), options); });
     exit_code = EndSafeRun(note);
   }
   ProgressClear();

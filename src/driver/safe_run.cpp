@@ -175,7 +175,7 @@ int BeginSafeRun(const SafeRunOptions& options, const JobDescription& job, const
   }
   if (options.dry_run || options.atomic) {
     SetTransactionLostHandler(TransactionLost);
-    if (BeginRunTransaction() != 0) {
+    if (BeginRunTransaction(true) != 0) {
       std::fprintf(stderr, "Refused: the server did not open a transaction: %s\n", LastDbError());
       if (g_journal) g_journal->FinishWithoutRows("refused, nothing written", NowTimestamp());
       return kExitRefused;

@@ -12,16 +12,19 @@ namespace {
 // once, at its first insert, so that a run checks each new patient with a
 // hashed look-up rather than a statement.
 struct KnownCaseNumbers {
-  unsigned connection = 0;  // ConnectionCount() when read; 0 before
+  unsigned connection = 0;  // StoreGeneration() when read; 0 before
   std::unordered_map<std::string, int> first_key;  // by CaseNumberKey
-  std::unordered_set<std::string> noted;  // case numbers already reported
+  std::unordered_set<std::string> noted;  // case numbers already reported as shared
+  std::unordered_set<std::string> inserted_noted;  // ... as held by an earlier row
 };
 
 KnownCaseNumbers& Inserted() {
   static KnownCaseNumbers known;
-  if (known.connection != ConnectionCount()) {
-    known = {};
-    known.connection = ConnectionCount();
+  // A new pass of a batched run reads the table again (its answer comes from
+  // the run's record), as the first pass did; what was noted stays noted.
+  if (known.connection != StoreGeneration()) {
+    known.first_key.clear();
+    known.connection = StoreGeneration();
     SqlResult result = QuerySql("select id,patient_id from patient order by id;", {});
     for (MYSQL_ROW row = result.NextRow(); row != nullptr; row = result.NextRow()) {
       if (row[0] != nullptr && row[1] != nullptr) known.first_key.try_emplace(CaseNumberKey(row[1]), ToInt(row[0]));
@@ -61,7 +64,7 @@ void NoteInsertedCaseNumber(const char* case_number, int key) {
   KnownCaseNumbers& known = Inserted();
   std::string number_key = CaseNumberKey(case_number);
   auto [holder, added] = known.first_key.try_emplace(number_key, key);
-  if (added || holder->second == key || !known.noted.insert(number_key).second) return;
+  if (added || holder->second == key || !LookedUp().inserted_noted.insert(number_key).second) return;
   std::fprintf(stderr, "Note: case number '%s' was already held by patient row %d; the new patient row %d has it too\n",
                case_number, holder->second, key);
 }

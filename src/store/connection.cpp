@@ -5,10 +5,17 @@
 #include <algorithm>
 #include <cctype>
 #include <chrono>
+#include <cstdlib>
+#include <functional>
 #include <cstdio>
 #include <cstring>
+#include <cstdint>
 #include <thread>
+#include <unordered_map>
+#include <unordered_set>
 
+#include "util/log_watch.h"
+#include "util/loss_report.h"
 #include "util/progress.h"
 #include "util/strings.h"
 
@@ -27,6 +34,7 @@ std::string g_sql_mode_notice;
 // fail at once, as they would without waiting, until one gets through.
 bool g_gave_up_waiting = false;
 unsigned g_connections = 0;
+unsigned g_generation = 0;  // see StoreGeneration
 
 StatementTally g_tally;
 
@@ -35,6 +43,96 @@ bool g_in_transaction = false;
 void (*g_transaction_lost)(const char* why) = nullptr;
 // Tables a transactional run has found to be InnoDB (a handful: no index).
 std::vector<std::string> g_transactional_tables;
+
+// What the last statement answered, kept so that a statement the store sends
+// for itself afterwards (SHOW WARNINGS, a journal's read) does not change it,
+// and so that a statement waiting in a batch can answer at once.
+long long g_last_insert_id = 0;
+unsigned long long g_last_affected = 0;
+
+// Batched writes, inside the run's transaction only (see RunInPasses).
+//
+// Writes wait in a batch and go to the server several at a time, in one
+// multi-statement request; the job goes on at once with the answer the
+// server will give (success, and the key of an insert predicted from the
+// table's last key). A statement whose answer the job needs (a read, an
+// insert into a table whose next key is not known yet) is sent with the
+// batch at once and its answer awaited. When the server answers otherwise
+// than predicted, the job goes through its work again from the start: what
+// the server has confirmed is answered from the record of this run (nothing
+// is sent twice, the log is not shown twice), and the job goes live again
+// where the server's answer differed, now knowing it.
+struct TablePrediction {
+  bool known = false;      // the table's next key is known
+  long long next = 0;      // the key the next insert gets; 0: the table gives none
+  long long confirmed = 0;  // `next` as of the last confirmed statement
+};
+
+struct Queued {
+  StatementParts parts;
+  std::size_t ordinal = 0;
+  std::size_t begin = 0;  // the statement's text in the batch
+  std::size_t size = 0;
+  bool writes = false;
+  bool awaited = false;  // the job waits for its answer: the last of its batch
+  bool predicted = false;  // an insert whose key was predicted
+  long long predicted_id = 0;
+  std::uint32_t shape = 0;
+  MYSQL_RES* cached = nullptr;  // a read answered from an earlier one: not sent
+  std::size_t writes_before = 0;  // writes queued before it
+};
+
+// A read's result kept for the rest of the run, and when it was read: the
+// same read answers alike until the run writes one of the tables it names
+// (the transaction reads from one snapshot, so only the run's own writes
+// change what it sees).
+struct KeptRead {
+  MYSQL_RES* result = nullptr;
+  std::size_t writes_before = 0;
+};
+
+struct Failure {
+  int code = 0;
+  std::string message;
+};
+
+struct Batching {
+  bool on = false;
+  std::string text;  // the batch's statements, separated by ';'
+  std::vector<Queued> queued;
+  std::unordered_map<std::string, TablePrediction> tables;
+  long long increment = 1;  // the server's auto_increment_increment
+  std::size_t max_bytes = 1 << 20;
+  // The record of this run's confirmed statements, by ordinal: the shape of
+  // each statement's text (to see that the job repeats itself), the key it
+  // gave, how those that failed failed and what reads returned.
+  std::vector<std::uint32_t> shapes;
+  std::vector<long long> keys;
+  std::unordered_map<std::size_t, Failure> failures;
+  std::unordered_map<std::size_t, MYSQL_RES*> reads;
+  std::vector<MYSQL_RES*> results;  // every result kept, freed at the end
+  std::unordered_map<std::string, KeptRead> kept_reads;  // by statement text
+  std::size_t writes = 0;  // writes queued so far
+  std::unordered_map<std::string, std::size_t> last_write;  // by table: `writes` after its last write
+  std::unordered_set<std::size_t> awaited_ordinals;  // answered otherwise than predicted before
+  std::size_t ordinal = 0;  // the next statement's, in this pass
+  std::size_t shown_upto = 0;  // statements confirmed when the log was last let through
+  std::size_t losses_shown = 0;  // loss report entries at that time
+  MYSQL_RES* read = nullptr;  // the result of the read just answered
+  int passes = 1;
+  bool one_at_a_time = false;  // after too many passes: every statement awaited
+};
+
+Batching g_batch;
+
+// Passes after which every statement is awaited: a run with many statements
+// the server refuses must never be slower than one sent at a time.
+constexpr int kMaxPasses = 4;
+constexpr std::size_t kMaxBatchStatements = 1000;
+
+// Thrown through the job when the server answered otherwise than predicted;
+// RunInPasses catches it and runs the job again.
+struct PassAbandoned {};
 
 bool Prepare(const char* statement, std::initializer_list<SqlArg> args, SqlTexts texts) {
   g_failure.clear();
@@ -47,7 +145,7 @@ bool Prepare(const char* statement, std::initializer_list<SqlArg> args, SqlTexts
 
 // The next word of `text` from `at` on, lower-cased, without backquotes; `at`
 // moves past it.
-std::string NextWord(const std::string& text, std::size_t& at) {
+std::string NextWord(std::string_view text, std::size_t& at) {
   while (at < text.size() && std::isspace(static_cast<unsigned char>(text[at]))) ++at;
   std::string word;
   while (at < text.size() && !std::isspace(static_cast<unsigned char>(text[at])) && text[at] != '(') {
@@ -58,15 +156,13 @@ std::string NextWord(const std::string& text, std::size_t& at) {
 }
 
 // Adds what a successful statement wrote to its table's counts.
-void CountRows(const std::string& statement) {
+void CountRows(std::string_view statement, unsigned long long affected) {
   std::size_t at = 0;
   std::string verb = NextWord(statement, at);
   std::string table = NextWord(statement, at);
   if ((verb == "insert" || verb == "replace") && table == "into") table = NextWord(statement, at);
   if (verb == "delete" && table == "from") table = NextWord(statement, at);
   if (verb != "insert" && verb != "replace" && verb != "update" && verb != "delete") return;
-  my_ulonglong affected = mysql_affected_rows(&g_connection);
-  if (affected == static_cast<my_ulonglong>(-1)) return;
   TableTally* tally = nullptr;
   for (TableTally& known : g_tally.tables) {  // a handful of tables: no index needed
     if (known.table == table) tally = &known;
@@ -168,6 +264,14 @@ bool MayWriteInTransaction(const std::string& table) {
   return true;
 }
 
+unsigned long long AffectedNow() {
+  my_ulonglong affected = mysql_affected_rows(&g_connection);
+  return affected == static_cast<my_ulonglong>(-1) ? 0 : affected;
+}
+
+int SendBatched(const StatementParts& parts, bool writes);
+void Flush();
+
 // Sends the prepared statement of the job, past the run's guards: inside the
 // run's transaction, a statement that would end it or write a table that
 // cannot roll back is refused; the write observer sees every write.
@@ -177,6 +281,7 @@ int Send(bool idempotent) {
   if (g_in_transaction || g_observer != nullptr) {
     parts = SplitStatement(g_statement);
     writes = !parts.table.empty();
+    if (g_batch.on && g_batch.ordinal < g_batch.shapes.size()) return SendBatched(parts, writes);
     std::string why;
     if (g_in_transaction && CommitsImplicitly(parts, g_statement)) {
       why = "Statement not sent: it would end the run's transaction";
@@ -188,18 +293,368 @@ int Send(bool idempotent) {
     if (!why.empty()) {
       g_failure = why;
       ++g_tally.failed;
+      // Refused here the same way on every pass: it takes its place in the
+      // run's record like any statement.
+      if (g_batch.on) {
+        Flush();
+        g_batch.shapes.push_back(0);
+        g_batch.keys.push_back(0);
+        g_batch.failures[g_batch.ordinal] = Failure{1, why};
+        ++g_batch.ordinal;
+      }
       return 1;
     }
+    if (g_batch.on) return SendBatched(parts, writes);
   }
   int result = SendText(g_statement, idempotent, true);
   if (result != 0) return result;
-  CountRows(g_statement);
-  if (writes && g_observer != nullptr) {
-    my_ulonglong affected = mysql_affected_rows(&g_connection);
-    g_observer->AfterWrite(parts, affected == static_cast<my_ulonglong>(-1) ? 0 : affected,
-                           static_cast<long long>(mysql_insert_id(&g_connection)));
-  }
+  g_last_insert_id = static_cast<long long>(mysql_insert_id(&g_connection));
+  g_last_affected = AffectedNow();
+  CountRows(g_statement, g_last_affected);
+  if (writes && g_observer != nullptr) g_observer->AfterWrite(parts, g_last_affected, g_last_insert_id);
   return 0;
+}
+
+// ---- Batched writes ---------------------------------------------------------
+
+// The shape of a statement's text: its bytes without digits, so that a time
+// stamp taken anew on a second pass does not count as another statement.
+std::uint32_t ShapeOf(std::string_view statement) {
+  std::uint32_t hash = 2166136261u;
+  for (char c : statement) {
+    if (c >= '0' && c <= '9') continue;
+    hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
+  }
+  return hash == 0 ? 1 : hash;  // 0 marks a statement refused before sending
+}
+
+bool IsPlainInsert(const StatementParts& parts, std::string_view statement) {
+  if (parts.verb != "insert") return false;
+  // Keys that cannot be told in advance: an insert that may not insert, may
+  // update instead, or inserts several rows.
+  std::string lower = LowerAscii(statement.substr(0, std::min<std::size_t>(statement.size(), 64)));
+  if (lower.find("ignore") != std::string::npos) return false;
+  std::string tail = LowerAscii(statement.substr(statement.size() > 200 ? statement.size() - 200 : 0));
+  if (tail.find("duplicate key") != std::string::npos) return false;
+  std::size_t values = LowerAscii(statement).find(" select ");
+  return values == std::string::npos && statement.find("),(") == std::string::npos &&
+         statement.find("), (") == std::string::npos;
+}
+
+void ForgetBatch() {
+  g_batch.text.clear();
+  g_batch.queued.clear();
+  for (auto& [name, table] : g_batch.tables) table.next = table.confirmed;
+}
+
+// Ends the pass: the server's answer differed from the prediction. The log
+// and the loss report forget what the pass produced past what is confirmed.
+[[noreturn]] void AbandonPass(const std::string& why) {
+  ForgetBatch();
+  ++g_batch.passes;
+  if (g_batch.passes >= kMaxPasses && !g_batch.one_at_a_time) {
+    g_batch.one_at_a_time = true;
+  }
+  std::fflush(stdout);
+  ProgressHide();
+  std::fprintf(stderr, "Note: %s; going through the job again (pass %d), %s\n", why.c_str(), g_batch.passes,
+               g_batch.one_at_a_time ? "now sending one statement at a time"
+                                     : "nothing the server has confirmed is sent twice");
+  RestartLog();
+  ForgetLossesAfter(g_batch.losses_shown);
+  throw PassAbandoned{};
+}
+
+void DropLostTransaction(unsigned error) {
+  if (ConnectionDropped(error) && g_transaction_lost != nullptr) {
+    g_in_transaction = false;
+    g_batch.on = false;
+    g_transaction_lost(g_failure.c_str());
+  }
+}
+
+// What the server answered for one statement of a batch.
+struct Answer {
+  bool failed = false;
+  int code = 0;
+  std::string message;
+  unsigned long long affected = 0;
+  long long insert_id = 0;
+  MYSQL_RES* result = nullptr;
+  bool kept = false;  // the result belongs to the run's kept reads
+};
+
+void FreeAnswers(std::vector<Answer>& answers, std::size_t from) {
+  for (std::size_t i = from; i < answers.size(); ++i) {
+    if (answers[i].result != nullptr && !answers[i].kept) mysql_free_result(answers[i].result);
+    answers[i].result = nullptr;
+  }
+}
+
+// Takes the confirmed answer of `queued` into the run: counts, journal, the
+// record for later passes, the table's next key.
+void Confirm(const Queued& queued, Answer& answer) {
+  std::string_view text(g_batch.text.data() + queued.begin, queued.size);
+  ++g_tally.sent;
+  g_batch.shapes.push_back(queued.shape);
+  g_batch.keys.push_back(answer.insert_id);
+  g_last_insert_id = answer.insert_id;
+  g_last_affected = answer.affected;
+  if (answer.failed) {
+    ++g_tally.failed;
+    g_failure = answer.message;
+    g_batch.failures[queued.ordinal] = Failure{answer.code, answer.message};
+    if (queued.writes) g_batch.tables[queued.parts.table].known = false;  // a refused insert may use up a key
+    return;
+  }
+  CountRows(text, answer.affected);
+  if (queued.writes && g_observer != nullptr) g_observer->AfterWrite(queued.parts, answer.affected, answer.insert_id);
+  if (queued.parts.verb == "insert" || queued.parts.verb == "replace") {
+    TablePrediction& table = g_batch.tables[queued.parts.table];
+    if (queued.parts.verb == "insert" && IsPlainInsert(queued.parts, text)) {
+      long long after = answer.insert_id > 0 ? answer.insert_id + g_batch.increment : 0;
+      table.confirmed = after;
+      if (!queued.predicted) table.next = after;  // learnt: it was the last of its batch
+      table.known = true;
+    } else {
+      table.known = false;
+    }
+  }
+  if (answer.result != nullptr) {
+    g_batch.reads[queued.ordinal] = answer.result;
+    g_batch.read = answer.result;
+    if (!answer.kept) {
+      g_batch.results.push_back(answer.result);
+      g_batch.kept_reads[std::string(text)] = KeptRead{answer.result, queued.writes_before};
+    }
+    answer.result = nullptr;
+  }
+}
+
+// Sends the batch and waits for its answers. Returns when the server
+// answered as predicted (the awaited statement's answer is then the last
+// one's); abandons the pass otherwise.
+void Flush() {
+  if (g_batch.queued.empty()) return;
+  std::vector<Answer> answers;  // answers[0] the savepoint's, then one per statement sent
+  answers.reserve(g_batch.queued.size() + 1);
+  if (!g_batch.text.empty()) {
+    std::string request = "SAVEPOINT corvana_batch;" + g_batch.text;
+    int status = mysql_real_query(&g_connection, request.data(), request.size());
+    for (;;) {
+      Answer& answer = answers.emplace_back();
+      if (status != 0) {
+        answer.failed = true;
+        answer.code = static_cast<int>(mysql_errno(&g_connection));
+        answer.message = mysql_error(&g_connection);
+        g_failure = answer.message;
+        DropLostTransaction(mysql_errno(&g_connection));
+        break;
+      }
+      answer.result = mysql_store_result(&g_connection);
+      answer.affected = AffectedNow();
+      answer.insert_id = static_cast<long long>(mysql_insert_id(&g_connection));
+      status = mysql_next_result(&g_connection);
+      if (status < 0) break;
+    }
+    if (answers.front().failed) {
+      std::string why = "the server refused to mark the batch (" + answers.front().message + ")";
+      FreeAnswers(answers, 0);
+      AbandonPass(why);
+    }
+  } else {
+    answers.emplace_back();
+  }
+  // Kept reads take their answer in their place among those of the server.
+  std::vector<Answer> server = std::move(answers);
+  answers.clear();
+  answers.push_back(std::move(server.front()));
+  std::size_t next = 1;
+  for (const Queued& queued : g_batch.queued) {
+    if (queued.cached != nullptr) {
+      Answer kept;
+      kept.result = queued.cached;
+      kept.kept = true;
+      answers.push_back(std::move(kept));
+    } else if (next < server.size()) {
+      answers.push_back(std::move(server[next++]));
+    } else {
+      break;
+    }
+  }
+  FreeAnswers(server, next);
+  std::size_t answered = answers.size() - 1;
+  std::size_t confirmed = 0;
+  std::string anomaly;
+  bool roll_back = false;
+  for (; confirmed < g_batch.queued.size() && confirmed < answered; ++confirmed) {
+    const Queued& queued = g_batch.queued[confirmed];
+    const Answer& answer = answers[confirmed + 1];
+    if (answer.failed && !queued.awaited) {
+      anomaly = "statement " + std::to_string(queued.ordinal + 1) + " of the job was refused (" + answer.message + ")";
+      break;
+    }
+    if (!answer.failed && queued.predicted && answer.insert_id != queued.predicted_id) {
+      anomaly = "the server gave a row of " + queued.parts.table + " the key " + std::to_string(answer.insert_id) +
+                " where " + std::to_string(queued.predicted_id) + " was expected (another program is writing it)";
+      roll_back = true;
+      break;
+    }
+  }
+  bool unanswered = anomaly.empty() && confirmed < g_batch.queued.size();
+  if (unanswered) anomaly = "the server did not answer every statement";
+  if (roll_back) {
+    FreeAnswers(answers, 0);
+    g_batch.awaited_ordinals.insert(g_batch.queued[confirmed].ordinal);
+    for (const Queued& queued : g_batch.queued) {
+      if (queued.parts.verb == "insert") g_batch.tables[queued.parts.table].known = false;
+    }
+    // Keys the batch used are gone with it; the tables' keys are learnt again.
+    if (mysql_query(&g_connection, "ROLLBACK TO SAVEPOINT corvana_batch") != 0) {
+      g_failure = mysql_error(&g_connection);
+      DropLostTransaction(mysql_errno(&g_connection));
+    }
+    AbandonPass(anomaly);
+  }
+  std::size_t take = anomaly.empty() || unanswered ? confirmed : confirmed + 1;  // with the refused one
+  for (std::size_t i = 0; i < take; ++i) Confirm(g_batch.queued[i], answers[i + 1]);
+  FreeAnswers(answers, 0);
+  if (!anomaly.empty()) {
+    g_batch.awaited_ordinals.insert(g_batch.queued[confirmed].ordinal);
+    AbandonPass(anomaly);
+  }
+  g_batch.text.clear();
+  g_batch.queued.clear();
+  // Everything printed so far follows statements the server has confirmed.
+  ReleaseLog();
+  g_batch.shown_upto = g_batch.shapes.size();
+  g_batch.losses_shown = LossCount();
+}
+
+// Answers a statement the server has already confirmed in an earlier pass.
+int Replay(std::string_view statement) {
+  std::size_t ordinal = g_batch.ordinal++;
+  if (g_batch.shapes[ordinal] != 0 && g_batch.shapes[ordinal] != ShapeOf(statement)) {
+    // Never expected: the job did not repeat its statements. Going on would
+    // mix two runs; nothing of this one is kept.
+    g_failure = "the job sent other statements on its second pass";
+    ExecuteDirect("ROLLBACK");
+    g_in_transaction = false;
+    g_batch.on = false;
+    if (g_transaction_lost != nullptr) g_transaction_lost(g_failure.c_str());
+    return 1;
+  }
+  if (ordinal + 1 >= g_batch.shown_upto) SetLossQuiet(false);
+  g_last_insert_id = g_batch.keys[ordinal];
+  g_last_affected = 0;
+  auto read = g_batch.reads.find(ordinal);
+  g_batch.read = read != g_batch.reads.end() ? read->second : nullptr;
+  if (g_batch.read != nullptr) mysql_data_seek(g_batch.read, 0);
+  auto failure = g_batch.failures.find(ordinal);
+  if (failure == g_batch.failures.end()) return 0;
+  g_failure = failure->second.message;
+  return failure->second.code;
+}
+
+// Whether `text` names `word` outside its quoted values, as a whole name.
+bool NamesWord(std::string_view text, std::string_view word) {
+  auto part_of_name = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; };
+  auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
+  char quote = 0;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    char c = text[at];
+    if (quote != 0) {
+      if (c == '\\') {
+        ++at;
+      } else if (c == quote) {
+        quote = 0;
+      }
+      continue;
+    }
+    if (c == '\'' || c == '"') {
+      quote = c;
+      continue;
+    }
+    if (at > 0 && part_of_name(text[at - 1])) continue;
+    if (text.size() - at < word.size()) return false;
+    std::size_t i = 0;
+    while (i < word.size() && lower(text[at + i]) == lower(word[i])) ++i;
+    if (i == word.size() && (at + i == text.size() || !part_of_name(text[at + i]))) return true;
+  }
+  return false;
+}
+
+// The result of the same read earlier in the run, when no write since then
+// went to a table it names; nullptr otherwise.
+MYSQL_RES* KeptAnswer(std::string_view text) {
+  auto kept = g_batch.kept_reads.find(std::string(text));
+  if (kept == g_batch.kept_reads.end()) return nullptr;
+  for (const auto& [table, last] : g_batch.last_write) {  // the tables the run writes: a handful
+    if (last > kept->second.writes_before && NamesWord(text, table)) return nullptr;
+  }
+  return kept->second.result;
+}
+
+int SendBatched(const StatementParts& parts, bool writes) {
+  if (g_batch.ordinal < g_batch.shapes.size()) return Replay(g_statement);
+  if (g_statement.size() + g_batch.text.size() + 1 > g_batch.max_bytes) Flush();
+  Queued queued;
+  queued.parts = parts;
+  queued.writes = writes;
+  queued.ordinal = g_batch.ordinal++;
+  std::string_view text = g_statement;
+  while (!text.empty() && (text.back() == ';' || std::isspace(static_cast<unsigned char>(text.back())))) {
+    text.remove_suffix(1);
+  }
+  queued.shape = ShapeOf(text);
+  queued.writes_before = g_batch.writes;
+  if (writes) {
+    ++g_batch.writes;
+    g_batch.last_write[parts.table] = g_batch.writes;
+  } else if (MYSQL_RES* kept = KeptAnswer(text); kept != nullptr) {
+    // Answered at once, in its place among the statements waiting.
+    queued.cached = kept;
+    queued.shape = ShapeOf(text);
+    g_batch.queued.push_back(std::move(queued));
+    g_batch.read = kept;
+    g_last_insert_id = 0;
+    g_last_affected = 0;
+    return 0;
+  }
+  queued.awaited = !writes || g_batch.one_at_a_time || g_batch.awaited_ordinals.count(queued.ordinal) > 0;
+  if (!queued.awaited && parts.verb == "insert") {
+    TablePrediction& table = g_batch.tables[parts.table];
+    if (table.known && IsPlainInsert(parts, text)) {
+      queued.predicted = true;
+      queued.predicted_id = table.next;
+      if (table.next != 0) table.next += g_batch.increment;
+    } else {
+      queued.awaited = true;  // its key is learnt from the server's answer
+    }
+  } else if (!queued.awaited && parts.verb == "replace") {
+    queued.awaited = true;
+  }
+  if (!g_batch.text.empty()) g_batch.text += ';';
+  queued.begin = g_batch.text.size();
+  queued.size = text.size();
+  g_batch.text.append(text);
+  bool awaited = queued.awaited;
+  g_last_insert_id = queued.predicted ? queued.predicted_id : 0;
+  g_last_affected = 0;
+  g_batch.read = nullptr;
+  g_batch.queued.push_back(std::move(queued));
+  ProgressStatement();
+  if (awaited || g_batch.queued.size() >= kMaxBatchStatements) Flush();
+  if (!awaited) return 0;
+  auto failure = g_batch.failures.find(g_batch.ordinal - 1);
+  if (failure == g_batch.failures.end()) return 0;
+  g_failure = failure->second.message;
+  return failure->second.code;
+}
+
+// Sends what waits, before a statement of the store's own.
+void FlushBeforeDirect() {
+  if (g_batch.on && g_batch.ordinal >= g_batch.shapes.size()) Flush();
 }
 
 // True when `mode` holds a flag that `permissive` does not: a stricter mode.
@@ -292,10 +747,13 @@ int ConnectDatabase(const char* server, const char* database, const char* user, 
   }
   UseCorvanaSqlMode();
   ++g_connections;
+  ++g_generation;
   return 0;
 }
 
 unsigned ConnectionCount() { return g_connections; }
+
+unsigned StoreGeneration() { return g_generation; }
 
 const char* ConnectionCipher() {
   const char* cipher = mysql_get_ssl_cipher(&g_connection);
@@ -337,6 +795,8 @@ int Execute(const char* statement, std::initializer_list<SqlArg> args, SqlTexts 
 SqlResult Query(const char* statement, std::initializer_list<SqlArg> args, SqlTexts texts) {
   if (!Prepare(statement, args, texts)) return SqlResult();
   if (Send(true) != 0) return SqlResult();
+  // A batched run keeps every read's result for its later passes.
+  if (g_batch.on) return SqlResult(g_batch.read, false);
   MYSQL_RES* result = mysql_store_result(&g_connection);
   if (result == nullptr && mysql_errno(&g_connection) != 0) g_failure = mysql_error(&g_connection);
   return SqlResult(result);
@@ -359,7 +819,7 @@ int ExecuteSql(EscapeTexts, const char* statement, std::initializer_list<SqlArg>
 
 const StatementTally& Tally() { return g_tally; }
 
-long long LastInsertId() { return static_cast<long long>(mysql_insert_id(&g_connection)); }
+long long LastInsertId() { return g_last_insert_id; }
 
 SqlResult QuerySql(const char* statement, std::initializer_list<SqlArg> args) {
   return Query(statement, args, SqlTexts::kAsGiven);
@@ -383,17 +843,92 @@ void SetWriteObserver(WriteObserver* observer) { g_observer = observer; }
 
 void SetTransactionLostHandler(void (*handler)(const char* why)) { g_transaction_lost = handler; }
 
-int BeginRunTransaction() {
+namespace {
+
+// Batches are sent as multi-statement requests: switched on for the run's
+// transaction only, with what the predictions need from the server.
+bool StartBatching() {
+  SqlResult settings = QueryDirect("select @@auto_increment_increment, @@max_allowed_packet");
+  MYSQL_ROW row = settings.NextRow();
+  if (row == nullptr || row[0] == nullptr || row[1] == nullptr) return false;
+  if (!HoldLog()) return false;  // the log could not wait for the server
+  if (mysql_set_server_option(&g_connection, MYSQL_OPTION_MULTI_STATEMENTS_ON) != 0) {
+    EndLogHold();
+    return false;
+  }
+  g_batch = Batching{};
+  g_batch.on = true;
+  g_batch.increment = std::max<long long>(1, std::atoll(row[0]));
+  // Room for the savepoint and the packet's own bytes.
+  long long packet = std::atoll(row[1]) - 4096;
+  g_batch.max_bytes = static_cast<std::size_t>(std::clamp<long long>(packet, 16 * 1024, 1 << 20));
+  return true;
+}
+
+void StopBatching() {
+  if (!g_batch.on) return;
+  g_batch.on = false;
+  mysql_set_server_option(&g_connection, MYSQL_OPTION_MULTI_STATEMENTS_OFF);
+  for (MYSQL_RES* result : g_batch.results) mysql_free_result(result);
+  g_batch = Batching{};
+  EndLogHold();
+  SetLossQuiet(false);
+}
+
+}  // namespace
+
+int BeginRunTransaction(bool batched) {
   // A reconnect would carry on outside the transaction, in autocommit.
   my_bool reconnect = 0;
   mysql_options(&g_connection, MYSQL_OPT_RECONNECT, &reconnect);
   if (ExecuteDirect("START TRANSACTION") != 0) return 1;
   g_in_transaction = true;
+  if (batched) StartBatching();
   return 0;
+}
+
+bool BatchingWrites() { return g_batch.on; }
+
+void RunInPasses(const std::function<void()>& job) {
+  if (!g_batch.on) {
+    job();
+    return;
+  }
+  for (bool first = true;; first = false) {
+    g_batch.ordinal = 0;
+    if (!first) ++g_generation;
+    SetLossQuiet(g_batch.shown_upto > 0);
+    try {
+      job();
+      Flush();
+      break;
+    } catch (const PassAbandoned&) {
+      // The next pass answers what the server confirmed from the record.
+    }
+  }
+  // Every statement is confirmed and the log shown: the rest of the run
+  // (the commit, the journal's end) sends one statement at a time.
+  StopBatching();
 }
 
 int EndRunTransaction(bool commit) {
   if (!g_in_transaction) return 1;
+  if (g_batch.on) {
+    // Not through RunInPasses (a caller of the store's own): nothing may be
+    // abandoned now, so what waits is sent as it is.
+    if (commit) {
+      try {
+        Flush();
+      } catch (const PassAbandoned&) {
+        StopBatching();
+        ExecuteDirect("ROLLBACK");
+        g_in_transaction = false;
+        g_failure = "a batched statement was refused";
+        return 1;
+      }
+    }
+    StopBatching();
+  }
   int result = ExecuteDirect(commit ? "COMMIT" : "ROLLBACK");
   g_in_transaction = false;
   return result;
@@ -419,6 +954,7 @@ std::string FirstNonTransactionalTable(const std::vector<std::string>& tables) {
 }
 
 SqlResult QueryDirect(const std::string& sql) {
+  FlushBeforeDirect();
   g_failure.clear();
   if (SendText(sql, true, false) != 0) return SqlResult();
   MYSQL_RES* result = mysql_store_result(&g_connection);
@@ -427,23 +963,27 @@ SqlResult QueryDirect(const std::string& sql) {
 }
 
 int ExecuteDirect(const std::string& sql) {
+  FlushBeforeDirect();
   g_failure.clear();
-  return SendText(sql, false, false);
+  int result = SendText(sql, false, false);
+  if (result == 0) g_last_affected = AffectedNow();
+  return result;
 }
 
 unsigned long long AffectedRows() {
-  my_ulonglong affected = mysql_affected_rows(&g_connection);
-  return affected == static_cast<my_ulonglong>(-1) ? 0 : affected;
+  FlushBeforeDirect();
+  return g_last_affected;
 }
 
 SqlResult::~SqlResult() {
-  if (result_ != nullptr) mysql_free_result(result_);
+  if (result_ != nullptr && owned_) mysql_free_result(result_);
 }
 
 SqlResult& SqlResult::operator=(SqlResult&& other) noexcept {
   if (this != &other) {
-    if (result_ != nullptr) mysql_free_result(result_);
+    if (result_ != nullptr && owned_) mysql_free_result(result_);
     result_ = other.result_;
+    owned_ = other.owned_;
     other.result_ = nullptr;
   }
   return *this;

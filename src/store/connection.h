@@ -8,6 +8,7 @@
 #include <mysql.h>
 
 #include <cstddef>
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -44,6 +45,11 @@ int ConnectDatabase(const char* server, const char* database, const char* user, 
 // store operation that keeps rows it read know when they belong to an
 // earlier connection (another database).
 unsigned ConnectionCount();
+
+// Changes with every connection and every new pass of a batched run (see
+// RunInPasses): a store operation that keeps rows it read reads them again
+// when it changes.
+unsigned StoreGeneration();
 
 // The TLS cipher of the connection, or "" when it is not encrypted.
 const char* ConnectionCipher();
@@ -125,7 +131,26 @@ void SetWriteObserver(WriteObserver* observer);
 // by itself (DDL, LOCK TABLES, COMMIT, ...) or write a table that is not
 // transactional is refused. Returns 0, or 1 when the server refused (see
 // LastDbError).
-int BeginRunTransaction();
+//
+// `batched`: the job's writes wait and go to the server several at a time
+// (one round trip for many statements: what a distant server wants), and the
+// job runs through RunInPasses. The stdout log and the rows are those of a
+// run that sends one statement at a time. Nothing changes when stdout cannot
+// be held back (see HoldLog) or the server does not take multi-statement
+// requests: statements then go one at a time.
+int BeginRunTransaction(bool batched = false);
+
+// True while the run's writes are batched.
+bool BatchingWrites();
+
+// Runs `job` once; in a batched run, again from the start as often as the
+// server answers otherwise than the store predicted (a statement refused, a
+// key another program took): what the server confirmed is answered from the
+// record of the run and neither sent nor logged twice, so that the job sees
+// every answer a one-statement-at-a-time run would have seen. Says why on
+// stderr. After a few passes every statement is awaited. When it returns,
+// every statement is confirmed and the whole log shown.
+void RunInPasses(const std::function<void()>& job);
 
 // Commits (`commit`) or rolls back the run's transaction. Returns 0, or 1
 // when the server did not confirm it (see LastDbError).
@@ -151,7 +176,8 @@ SqlResult QueryDirect(const std::string& sql);
 // The same for a statement without a result. Returns 0 on success.
 int ExecuteDirect(const std::string& sql);
 
-// The rows the last statement changed.
+// The rows the last statement changed (in a batched run, once the server
+// has answered for every statement before).
 unsigned long long AffectedRows();
 
 // What the statements of this run did: how many were sent and how many
@@ -179,9 +205,13 @@ long long LastInsertId();
 class SqlResult {
  public:
   SqlResult() = default;
-  explicit SqlResult(MYSQL_RES* result) : result_(result) {}
+  // `owned`: freed when the object goes; a result the store keeps for itself
+  // is lent (and read again from its first row).
+  explicit SqlResult(MYSQL_RES* result, bool owned = true) : result_(result), owned_(owned) {
+    if (result_ != nullptr && !owned_) mysql_data_seek(result_, 0);
+  }
   ~SqlResult();
-  SqlResult(SqlResult&& other) noexcept : result_(other.result_) { other.result_ = nullptr; }
+  SqlResult(SqlResult&& other) noexcept : result_(other.result_), owned_(other.owned_) { other.result_ = nullptr; }
   SqlResult& operator=(SqlResult&& other) noexcept;
   SqlResult(const SqlResult&) = delete;
   SqlResult& operator=(const SqlResult&) = delete;
@@ -208,6 +238,7 @@ class SqlResult {
 
  private:
   MYSQL_RES* result_ = nullptr;
+  bool owned_ = true;
 };
 
 // Formats and sends a SELECT and takes its whole result. An empty SqlResult

@@ -15,3 +15,16 @@ unsigned long long ProblemLines();
 
 // True when `line` (without its line feed) reports an error or a warning.
 bool IsProblemLine(const char* line);
+
+// While writes wait to be confirmed by the server, the log waits with them:
+// a line is shown only once every statement sent before it is known to have
+// landed. HoldLog starts holding what is printed from now on (false when
+// stdout is not watched, so it cannot be held); ReleaseLog lets through what
+// was printed so far; RestartLog forgets what is held and drops, of what the
+// job prints from now on, as many bytes as were already shown (the job goes
+// through its work again and prints the same log); EndLogHold lets everything
+// through and stops holding.
+bool HoldLog();
+void ReleaseLog();
+void RestartLog();
+void EndLogHold();

@@ -68,12 +68,6 @@ DWORD WINAPI CopyThrough(void*) {
     int n = _read(g_route.read_end, buffer, sizeof buffer);
     if (n <= 0) break;
     g_route.watcher(buffer, static_cast<std::size_t>(n));
-    int written = 0;
-    while (written < n) {
-      int w = _write(g_route.target, buffer + written, static_cast<unsigned>(n - written));
-      if (w <= 0) break;
-      written += w;
-    }
   }
   return 0;
 }
@@ -92,6 +86,16 @@ bool CreateNewPrivateFile(const char* path, const char* content) {
 }
 
 bool LocalTime(std::time_t when, std::tm* out) { return localtime_s(out, &when) == 0; }
+
+void WriteRealStdout(const char* data, std::size_t size) {
+  int target = g_route.target >= 0 ? g_route.target : _fileno(stdout);
+  std::size_t written = 0;
+  while (written < size) {
+    int w = _write(target, data + written, static_cast<unsigned>(size - written));
+    if (w <= 0) break;
+    written += static_cast<std::size_t>(w);
+  }
+}
 
 bool MakeFolder(const char* path) { return _mkdir(path) == 0; }
 
@@ -164,13 +168,6 @@ OutputWatcher g_watcher = nullptr;
 
 ssize_t WriteThrough(void*, const char* data, std::size_t size) {
   g_watcher(data, size);
-  std::size_t written = 0;
-  while (written < size) {
-    ssize_t n = write(STDOUT_FILENO, data + written, size - written);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return written > 0 ? static_cast<ssize_t>(written) : -1;
-    written += static_cast<std::size_t>(n);
-  }
   return static_cast<ssize_t>(size);
 }
 
@@ -188,6 +185,16 @@ bool CreateNewPrivateFile(const char* path, const char* content) {
 }
 
 bool LocalTime(std::time_t when, std::tm* out) { return localtime_r(&when, out) != nullptr; }
+
+void WriteRealStdout(const char* data, std::size_t size) {
+  std::size_t written = 0;
+  while (written < size) {
+    ssize_t n = write(STDOUT_FILENO, data + written, size - written);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return;
+    written += static_cast<std::size_t>(n);
+  }
+}
 
 bool MakeFolder(const char* path) { return mkdir(path, 0755) == 0; }
 

@@ -60,12 +60,15 @@ void WriteFromHandler(int fd, const char* data, std::size_t size);
 // progress line uses; a console without it counts as no terminal.
 bool IsTerminal(bool stderr_stream);
 
-// Called with each piece of stdout's bytes before they reach the real stdout.
+// Called with each piece of stdout's bytes; it passes on what is to reach the
+// real stdout, when it is to, with WriteRealStdout.
 using OutputWatcher = void (*)(const char* data, std::size_t size);
 
+// Writes to the real stdout, past the route (from the watcher).
+void WriteRealStdout(const char* data, std::size_t size);
+
 // From now on, everything written to stdout passes through `watcher` on its
-// way out, unchanged (on Windows after the C runtime's text mode turned LF
-// into CR LF). `line_buffered`: each line goes out as it is completed. False
+// way out (on Windows after the C runtime's text mode turned LF into CR LF). `line_buffered`: each line goes out as it is completed. False
 // when the route could not be set up; stdout then stays as it was.
 bool RouteStdout(OutputWatcher watcher, bool line_buffered);
 
