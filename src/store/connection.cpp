@@ -531,16 +531,25 @@ void Flush() {
   g_batch.losses_shown = LossCount();
 }
 
+// The statement as it goes into a batch: without a trailing ';' or blanks.
+std::string_view BatchText(std::string_view statement) {
+  while (!statement.empty() &&
+         (statement.back() == ';' || std::isspace(static_cast<unsigned char>(statement.back())))) {
+    statement.remove_suffix(1);
+  }
+  return statement;
+}
+
 // Answers a statement the server has already confirmed in an earlier pass.
 int Replay(std::string_view statement) {
   std::size_t ordinal = g_batch.ordinal++;
-  if (g_batch.shapes[ordinal] != 0 && g_batch.shapes[ordinal] != ShapeOf(statement)) {
+  if (g_batch.shapes[ordinal] != 0 && g_batch.shapes[ordinal] != ShapeOf(BatchText(statement))) {
     // Never expected: the job did not repeat its statements. Going on would
     // mix two runs; nothing of this one is kept.
-    g_failure = "the job sent other statements on its second pass";
     ExecuteDirect("ROLLBACK");
     g_in_transaction = false;
     g_batch.on = false;
+    g_failure = "the job did not send the same statements when it went through its work again; rolled back";
     if (g_transaction_lost != nullptr) g_transaction_lost(g_failure.c_str());
     return 1;
   }
@@ -602,10 +611,7 @@ int SendBatched(const StatementParts& parts, bool writes) {
   queued.parts = parts;
   queued.writes = writes;
   queued.ordinal = g_batch.ordinal++;
-  std::string_view text = g_statement;
-  while (!text.empty() && (text.back() == ';' || std::isspace(static_cast<unsigned char>(text.back())))) {
-    text.remove_suffix(1);
-  }
+  std::string_view text = BatchText(g_statement);
   queued.shape = ShapeOf(text);
   queued.writes_before = g_batch.writes;
   if (writes) {

@@ -9,8 +9,11 @@
 
 namespace {
 
-// The "Non-problems" setting in lower case, kept whole for the run once read.
+// The "Non-problems" setting in lower case, kept whole once read (read again
+// on a new connection or a new pass of a batched run, as the job's first
+// look-up did).
 std::string g_non_problems;
+unsigned g_non_problems_read = 0;  // StoreGeneration() when read
 
 std::string ToLower(std::string text) {
   for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -41,7 +44,8 @@ int InsertProblem(int patient_key, const char* description, unsigned char resolv
 }
 
 bool IsNonProblem(const char* description) {
-  if (g_non_problems.empty()) {
+  if (g_non_problems.empty() || g_non_problems_read != StoreGeneration()) {
+    g_non_problems_read = StoreGeneration();
     GetSetting("Non-problems", g_non_problems);
     g_non_problems = ToLower(g_non_problems);
   }

@@ -1,0 +1,183 @@
+// Atomic runs send their writes in batches; what lands and what is logged
+// must be exactly what a run sending one statement at a time gives, also
+// when the server refuses statements half-way or another program takes the
+// keys the run expected.
+#include <gtest/gtest.h>
+#include <mysql.h>
+
+#include <atomic>
+#include <ctime>
+#include <regex>
+#include <string>
+#include <thread>
+
+#include "support/program_run.h"
+#include "support/sample_jobs.h"
+#include "support/test_database.h"
+
+namespace {
+
+Args With(Args args, const std::string& option) {
+  args.push_back(option);
+  return args;
+}
+
+class BatchedRunTest : public DatabaseTest {
+ protected:
+  void SetUp() override {
+    DatabaseTest::SetUp();
+    dir_ = MakeTempDir();
+    WriteIni(dir_);
+  }
+
+  // Every row of every table, keys included, in key order; the time stamps
+  // a run takes from the clock read "<now>".
+  std::string AllRows() {
+    char today[16];
+    std::time_t now = std::time(nullptr);
+    std::strftime(today, sizeof today, "%Y-%m-%d", std::localtime(&now));
+    const std::regex stamp(std::string(today) + " [0-9:]{8}");
+    std::string all;
+    for (const std::string& table : Rows("show tables")) {
+      for (const std::string& row : Rows("select * from `" + table + "` order by 1")) {
+        all += table + ": " + std::regex_replace(row, stamp, "<now>") + "\n";
+      }
+    }
+    return all;
+  }
+
+  // Empties every table, their keys starting again at 1.
+  void EmptyAllTables() {
+    for (const std::string& table : Rows("show tables")) Exec("truncate table `" + table + "`");
+  }
+
+  // Runs `job` on its samples, with what must run before it, and returns the
+  // whole run.
+  ProgramRun RunSample(const SampleJob& job, const Args& args) {
+    for (const std::string& seed : job.seed_sql) Exec(ReadFile(dir_ + "/" + seed));
+    for (const Args& before : job.before) EXPECT_EQ(RunProgram(dir_, With(before, "-again")).exit_code, 0);
+    return RunProgram(dir_, args);
+  }
+
+  std::string dir_;
+};
+
+// The log without the banner, which names the database.
+std::string Log(const ProgramRun& run) {
+  std::size_t title = run.output.find(" - ");
+  return title == std::string::npos ? run.output : run.output.substr(run.output.rfind('\n', title) + 1);
+}
+
+class BatchedSampleTest : public BatchedRunTest, public ::testing::WithParamInterface<SampleJob> {};
+
+TEST_P(BatchedSampleTest, AtomicRunWritesAndLogsWhatAPlainRunDoes) {
+  const SampleJob& job = GetParam();
+  CopySamples(job.samples, dir_);
+  ProgramRun plain = RunSample(job, job.args);
+  ASSERT_EQ(plain.exit_code, 0) << plain.errors;
+  const std::string plain_rows = AllRows();
+
+  EmptyAllTables();
+  ProgramRun atomic = RunSample(job, With(With(job.args, "-atomic"), "-again"));
+  ASSERT_EQ(atomic.exit_code, 0) << atomic.errors;
+  EXPECT_EQ(atomic.output, plain.output);
+  EXPECT_EQ(AllRows(), plain_rows);
+  EXPECT_EQ(atomic.summary.substr(0, atomic.summary.find("Wall time")),
+            plain.summary.substr(0, plain.summary.find("Wall time")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Samples, BatchedSampleTest, ::testing::ValuesIn(kSampleJobs),
+                         [](const auto& param) { return std::string(param.param.name); });
+
+const SampleJob& Kwrc() { return kSampleJobs[0]; }
+
+// A trigger refuses some of the KWRC sample's problems: the atomic run goes
+// through the job again for each, and ends with the plain run's log and
+// rows; with many refusals it sends one statement at a time after a few
+// passes, still with the same outcome.
+TEST_F(BatchedRunTest, RefusedStatementsGiveThePlainRunsLogAndRows) {
+  struct Case {
+    const char* refused;  // problems the trigger refuses
+    const char* notice;   // what stderr says
+  };
+  const Case cases[] = {
+      {"description = 'Head trauma'", "pass 2"},
+      {"patient_id % 3 = 0", "now sending one statement at a time"},
+  };
+  CopySamples(Kwrc().samples, dir_);
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.refused);
+    Exec("drop trigger if exists refuse_some");
+    Exec(std::string("create trigger refuse_some before insert on problems for each row begin if new.") +
+         c.refused + " then signal sqlstate '45000' set message_text = 'refused by the test'; end if; end");
+    EmptyAllTables();
+    ProgramRun plain = RunSample(Kwrc(), With(Kwrc().args, "-again"));
+    ASSERT_NE(plain.output.find("Unable to create problem record"), std::string::npos) << plain.output;
+    const std::string plain_rows = AllRows();
+
+    EmptyAllTables();
+    ProgramRun atomic = RunSample(Kwrc(), With(With(Kwrc().args, "-atomic"), "-again"));
+    EXPECT_EQ(atomic.exit_code, 0);
+    EXPECT_EQ(Log(atomic), Log(plain));
+    EXPECT_EQ(AllRows(), plain_rows);
+    EXPECT_NE(atomic.errors.find(c.notice), std::string::npos) << atomic.errors;
+    EXPECT_NE(atomic.errors.find("refused by the test"), std::string::npos) << atomic.errors;
+  }
+}
+
+// A KWRC year of `cases` birds, each with two problems and a release.
+std::string KwrcYear(int cases) {
+  std::string file = "Case\tSpecies\tAdmitted\tBand\tAge\tSex\tFound\tHistory\tOutcome\tFinal\tPlace\tSummary\t"
+                     "Problems\tCause\r\n";
+  for (int n = 30000; n < 30000 + cases; ++n) {
+    file += std::to_string(n) +
+            "\tEUSP\t5/12/2012\tUNK\tAdult\tM\t\"Beihai Park\"\tFound in a park\tRelease\t6/1/2012\t"
+            "\"Beihai Park\"\t\"Rested and flew well\"\t\"Emaciation; Trauma\"\tUnknown\r\n";
+  }
+  return file;
+}
+
+// Another program inserts patients while an atomic run imports: its keys are
+// not those the run predicted, yet every problem, entry and release lands on
+// its own bird, and every row of the other program is there.
+TEST_F(BatchedRunTest, AnotherWriterNeverMovesARowToAnotherAnimal) {
+  WriteFile(dir_ + "/KWRC_2012.txt", KwrcYear(400));
+  Exec(ReadFile(std::string(CORVANA_SOURCE_DIR) + "/samples/kwrc/settings.sql"));
+  const std::string by_case =
+      "select p.patient_id, t.what from patient p join ("
+      " select patient_id, concat('problem ', description) what from problems"
+      " union all select patient_id, concat('entry ', left(notes, 60)) from record_entry"
+      " union all select patient_id, concat('release ', date) from releases) t on t.patient_id = p.id"
+      " order by 1, 2";
+  ProgramRun plain = RunProgram(dir_, Kwrc().args);
+  ASSERT_EQ(plain.exit_code, 0);
+  const std::vector<std::string> expected = Rows(by_case);
+
+  EmptyAllTables();
+  Exec(ReadFile(std::string(CORVANA_SOURCE_DIR) + "/samples/kwrc/settings.sql"));
+  std::atomic<bool> stop{false};
+  std::atomic<int> inserted{0};
+  std::thread other([&] {
+    MYSQL* connection = mysql_init(nullptr);
+    if (mysql_real_connect(connection, server_.host.c_str(), server_.user.c_str(), server_.password.c_str(),
+                           database_.c_str(), static_cast<unsigned>(server_.port), nullptr, 0) == nullptr) {
+      return;
+    }
+    while (!stop) {
+      std::string sql = "insert into patient (patient_id, name) values ('OTHER-" + std::to_string(inserted) + "', '')";
+      if (mysql_query(connection, sql.c_str()) == 0) ++inserted;
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    mysql_close(connection);
+  });
+  ProgramRun atomic = RunProgram(dir_, With(With(Kwrc().args, "-atomic"), "-again"));
+  stop = true;
+  other.join();
+  ASSERT_EQ(atomic.exit_code, 0) << atomic.errors;
+  EXPECT_EQ(Log(atomic), Log(plain)) << atomic.errors;
+  EXPECT_EQ(Rows(by_case), expected);
+  EXPECT_EQ(Value("select count(*) from patient where patient_id like 'OTHER-%'"), std::to_string(inserted.load()));
+  EXPECT_GT(inserted.load(), 0);
+}
+
+}  // namespace
