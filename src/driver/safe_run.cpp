@@ -171,6 +171,7 @@ int BeginSafeRun(const SafeRunOptions& options, const JobDescription& job, const
       g_journal->Record({"file", files[i], files[i + 1], files[i + 2]});
     }
     g_journal->Record({"start", NowTimestamp()});
+    g_journal->ReadColumnsAhead(job.tables);
     SetWriteObserver(g_journal.get());
   }
   if (options.dry_run || options.atomic) {

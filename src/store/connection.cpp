@@ -955,6 +955,11 @@ std::string FirstNonTransactionalTable(const std::vector<std::string>& tables) {
     if (!EqualsNoCase(engine.c_str(), "InnoDB")) {
       return std::string(row[0] != nullptr ? row[0] : "") + " (" + (engine.empty() ? "a view" : engine) + ")";
     }
+    // Known now: a transactional run need not ask again at the first write.
+    std::string name = row[0] != nullptr ? row[0] : "";
+    if (std::find(g_transactional_tables.begin(), g_transactional_tables.end(), name) == g_transactional_tables.end()) {
+      g_transactional_tables.push_back(name);
+    }
   }
   return "";
 }

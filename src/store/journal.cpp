@@ -211,29 +211,52 @@ RunJournal::Table* RunJournal::Find(const std::string& name) {
   return nullptr;
 }
 
+void RunJournal::ReadColumnsAhead(const std::vector<std::string>& tables) {
+  if (tables.empty()) return;
+  std::string in;
+  for (const std::string& table : tables) in += (in.empty() ? "'" : ",'") + EscapeSqlText(table) + "'";
+  SqlResult columns = QueryDirect(
+      "select table_name, column_name, column_key, data_type from information_schema.columns where table_schema = "
+      "database() and table_name in (" + in + ") order by table_name, ordinal_position");
+  while (MYSQL_ROW row = columns.NextRow()) {
+    if (row[0] == nullptr) continue;
+    columns_ahead_[row[0]].push_back(
+        {row[1] != nullptr ? row[1] : "", row[2] != nullptr ? row[2] : "", row[3] != nullptr ? row[3] : ""});
+  }
+}
+
 RunJournal::Table* RunJournal::Register(const std::string& name, std::string& why) {
   if (Table* known = Find(name)) return known;
   for (const std::string& missing : missing_) {
     if (missing == name) return nullptr;
   }
-  SqlResult columns = QueryDirect(
-      "select column_name, column_key, data_type from information_schema.columns where table_schema = database() "
-      "and table_name = '" + EscapeSqlText(name) + "' order by ordinal_position");
-  if (!columns) {
-    why = std::string("Statement not sent: the journal could not read the columns of ") + name + ": " + LastDbError();
-    return nullptr;
+  std::vector<std::vector<std::string>> rows;
+  auto ahead = columns_ahead_.find(name);
+  if (ahead != columns_ahead_.end()) {
+    rows = std::move(ahead->second);
+    columns_ahead_.erase(ahead);
+  } else {
+    SqlResult columns = QueryDirect(
+        "select column_name, column_key, data_type from information_schema.columns where table_schema = database() "
+        "and table_name = '" + EscapeSqlText(name) + "' order by ordinal_position");
+    if (!columns) {
+      why = std::string("Statement not sent: the journal could not read the columns of ") + name + ": " + LastDbError();
+      return nullptr;
+    }
+    while (MYSQL_ROW row = columns.NextRow()) {
+      rows.push_back({row[0] != nullptr ? row[0] : "", row[1] != nullptr ? row[1] : "", row[2] != nullptr ? row[2] : ""});
+    }
   }
   Table table;
   table.name = name;
   int keys = 0;
   bool numeric = false;
-  while (MYSQL_ROW row = columns.NextRow()) {
-    table.columns.emplace_back(row[0] != nullptr ? row[0] : "");
-    if (row[1] != nullptr && std::strcmp(row[1], "PRI") == 0) {
+  for (const std::vector<std::string>& row : rows) {
+    table.columns.push_back(row[0]);
+    if (row[1] == "PRI") {
       ++keys;
       table.key_index = static_cast<int>(table.columns.size()) - 1;
-      std::string type = row[2] != nullptr ? row[2] : "";
-      numeric = type.find("int") != std::string::npos;
+      numeric = row[2].find("int") != std::string::npos;
     }
   }
   if (table.columns.empty()) {

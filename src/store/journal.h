@@ -82,6 +82,10 @@ class RunJournal : public WriteObserver {
   // Writes one record and flushes it.
   void Record(const JournalRecord& record);
 
+  // Reads the columns of every table in `tables` at once (one statement
+  // instead of one per table when the run first writes it). Optional.
+  void ReadColumnsAhead(const std::vector<std::string>& tables);
+
   bool BeforeWrite(const StatementParts& parts, std::string& why) override;
   void AfterWrite(const StatementParts& parts, unsigned long long affected, long long insert_id) override;
 
@@ -121,4 +125,6 @@ class RunJournal : public WriteObserver {
   std::string line_;  // reused per record
   std::deque<Table> tables_;  // a handful: no index; stable addresses
   std::vector<std::string> missing_;  // tables the database does not hold
+  // ReadColumnsAhead's rows (column, key, type) by table name.
+  std::unordered_map<std::string, std::vector<std::vector<std::string>>> columns_ahead_;
 };
