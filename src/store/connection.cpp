@@ -272,6 +272,13 @@ unsigned long long AffectedNow() {
 int SendBatched(const StatementParts& parts, bool writes);
 void Flush();
 
+// The server's warnings for a write (SHOW WARNINGS rows: level, code,
+// message): the loss report takes them.
+void HeardWarnings(std::string_view statement, SqlResult& warnings) {
+  (void)statement;
+  (void)warnings;
+}
+
 // Sends the prepared statement of the job, past the run's guards: inside the
 // run's transaction, a statement that would end it or write a table that
 // cannot roll back is refused; the write observer sees every write.
@@ -382,12 +389,16 @@ struct Answer {
   long long insert_id = 0;
   MYSQL_RES* result = nullptr;
   bool kept = false;  // the result belongs to the run's kept reads
+  unsigned warning_count = 0;
+  MYSQL_RES* warnings = nullptr;  // SHOW WARNINGS after a write
 };
 
 void FreeAnswers(std::vector<Answer>& answers, std::size_t from) {
   for (std::size_t i = from; i < answers.size(); ++i) {
     if (answers[i].result != nullptr && !answers[i].kept) mysql_free_result(answers[i].result);
+    if (answers[i].warnings != nullptr) mysql_free_result(answers[i].warnings);
     answers[i].result = nullptr;
+    answers[i].warnings = nullptr;
   }
 }
 
@@ -409,6 +420,10 @@ void Confirm(const Queued& queued, Answer& answer) {
   }
   CountRows(text, answer.affected);
   if (queued.writes && g_observer != nullptr) g_observer->AfterWrite(queued.parts, answer.affected, answer.insert_id);
+  if (answer.warning_count > 0 && answer.warnings != nullptr) {
+    SqlResult warnings(answer.warnings, false);
+    HeardWarnings(text, warnings);
+  }
   if (queued.parts.verb == "insert" || queued.parts.verb == "replace") {
     TablePrediction& table = g_batch.tables[queued.parts.table];
     if (queued.parts.verb == "insert" && IsPlainInsert(queued.parts, text)) {
@@ -454,6 +469,7 @@ void Flush() {
       answer.result = mysql_store_result(&g_connection);
       answer.affected = AffectedNow();
       answer.insert_id = static_cast<long long>(mysql_insert_id(&g_connection));
+      answer.warning_count = mysql_warning_count(&g_connection);
       status = mysql_next_result(&g_connection);
       if (status < 0) break;
     }
@@ -478,6 +494,11 @@ void Flush() {
       answers.push_back(std::move(kept));
     } else if (next < server.size()) {
       answers.push_back(std::move(server[next++]));
+      // A refused write's request ends there, without its warnings.
+      if (queued.writes && !answers.back().failed && next < server.size()) {
+        answers.back().warnings = server[next].result;
+        server[next++].result = nullptr;
+      }
     } else {
       break;
     }
@@ -644,6 +665,10 @@ int SendBatched(const StatementParts& parts, bool writes) {
   queued.begin = g_batch.text.size();
   queued.size = text.size();
   g_batch.text.append(text);
+  // The server's warnings belong to the statement just before: asked for
+  // each write in the same request, since by the time the answers are read
+  // the server has gone on.
+  if (writes) g_batch.text += ";SHOW WARNINGS";
   bool awaited = queued.awaited;
   g_last_insert_id = queued.predicted ? queued.predicted_id : 0;
   g_last_affected = 0;
