@@ -34,12 +34,21 @@ int LoopbackSocket(int port, bool listening) {
   return fd;
 }
 
+bool WriteAll(int fd, const char* data, std::size_t size) {
+  for (std::size_t at = 0; at < size;) {
+    ssize_t n = write(fd, data + at, size - at);
+    if (n <= 0) return false;
+    at += static_cast<std::size_t>(n);
+  }
+  return true;
+}
+
 // Sends back what it receives, until the sender ends; then closes.
 void Echo(int fd) {
   char buffer[8192];
   ssize_t n;
   while ((n = read(fd, buffer, sizeof buffer)) > 0) {
-    for (ssize_t at = 0; at < n;) at += write(fd, buffer + at, static_cast<std::size_t>(n - at));
+    if (!WriteAll(fd, buffer, static_cast<std::size_t>(n))) break;
   }
   close(fd);
 }
@@ -59,7 +68,7 @@ Exchange SendThroughProxy(int port, const std::string& content, int chunks) {
   Clock::time_point start = Clock::now();
   std::thread sender([&] {
     for (int i = 0; i < chunks; ++i) {
-      for (std::size_t at = 0; at < content.size();) at += write(fd, content.data() + at, content.size() - at);
+      if (!WriteAll(fd, content.data(), content.size())) break;
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     shutdown(fd, SHUT_WR);
