@@ -18,11 +18,17 @@ the program's summary on stderr, and the tables it prints.
     bench_tool.py growth RESULTS_TSV
         Prints how wall time, own CPU time and peak memory grow from each
         size of a job to the next.
+    bench_tool.py rtt RTT_TSV MS
+        Prints the table of scripts/bench.sh --rtt MS: per job, the plain and
+        the -atomic run's wall times directly and through the delaying proxy,
+        and how much longer the atomic run took through it.
 
 RESULTS_TSV has one line per measured run, written by scripts/bench.sh:
 job, scale, input bytes, input size in words ("20000 cases"), user s, system s, wall s, max RSS kB,
 and the program's summary (rows, statements, failed), then the replay's
 statements, failed, user s, system s and wall s ("-" without a replay).
+RTT_TSV has one line per job: job, rows, statements, then the wall seconds
+of the plain and the atomic run directly, and of the two through the proxy.
 
 Standard library only.
 """
@@ -183,6 +189,20 @@ def growth(path):
     print_table(header, rows)
 
 
+def rtt(path, ms):
+    rows = []
+    with open(path) as f:
+        for line in f:
+            fields = line.rstrip("\n").split("\t")
+            if len(fields) < 7:
+                continue
+            walls = [float(w) for w in fields[3:7]]
+            rows.append([fields[0], fields[1], fields[2]] + ["%.2f s" % w for w in walls] +
+                        [quotient("%.1fx", walls[3], walls[1])])
+    print_table(["job", "rows", "statements", "plain 0 ms", "atomic 0 ms", "plain %s ms" % ms, "atomic %s ms" % ms,
+                 "atomic %s ms / atomic 0 ms" % ms], rows)
+
+
 def main():
     if len(sys.argv) < 3:
         sys.exit(__doc__)
@@ -195,6 +215,8 @@ def main():
         table(*args)
     elif command == "growth" and len(args) == 1:
         growth(*args)
+    elif command == "rtt" and len(args) == 2:
+        rtt(*args)
     else:
         sys.exit(__doc__)
 

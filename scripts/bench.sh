@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Benchmarks every import job on synthetic input against the local MariaDB.
 #
-#   scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--durable] [--windows]
+#   scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--durable | --rtt MS] [--windows]
 #
 # For each job: generates its input with bench/gen/ (default sizes times F),
 # makes a fresh database (scripts/db.sh create), runs the job's prerequisite
@@ -29,6 +29,12 @@
 #                  production settings (innodb_flush_log_at_trx_commit=1,
 #                  doublewrite on, binary log on with sync_binlog=1): wall
 #                  times only (no replay, no XML benchmark)
+#   --rtt MS       each job as a plain run and as an -atomic run, directly on
+#                  the local server and through bench/delay_proxy.cpp, which
+#                  adds MS milliseconds to every round trip (the job's ini
+#                  file names the proxy's port): the program as against a
+#                  distant server; wall times only (no replay, no XML
+#                  benchmark)
 #
 # Starts the server with scripts/db.sh start (a running one is reused and left
 # running). Environment as for scripts/db.sh (CORVANA_DB_DIR, CORVANA_DB_PORT,
@@ -49,6 +55,7 @@ xml=1
 only=""
 windows=0
 durable=0
+rtt=""
 while [[ $# -gt 0 ]]; do
   case $1 in
     --scale) scale=${2:?--scale needs a factor}; shift 2 ;;
@@ -58,10 +65,15 @@ while [[ $# -gt 0 ]]; do
     --jobs) only=${2:?--jobs needs a pattern}; shift 2 ;;
     --windows) windows=1; shift ;;
     --durable) durable=1; shift ;;
-    *) echo "usage: scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--durable] [--windows]" >&2; exit 2 ;;
+    --rtt) rtt=${2:?--rtt needs milliseconds}; shift 2 ;;
+    *) echo "usage: scripts/bench.sh [--scale F] [--growth] [--no-floor] [--no-xml] [--jobs PATTERN] [--durable | --rtt MS] [--windows]" >&2; exit 2 ;;
   esac
 done
-(( durable )) && { floor=0; growth=0; xml=0; }
+if [[ -n $rtt ]]; then
+  [[ $rtt =~ ^[0-9]+$ ]] || { echo "bench.sh: --rtt must be a whole number of milliseconds" >&2; exit 2; }
+  (( durable )) && { echo "bench.sh: --rtt and --durable are separate runs" >&2; exit 2; }
+fi
+(( durable )) || [[ -n $rtt ]] && { floor=0; growth=0; xml=0; }
 [[ $scale =~ ^[0-9]*\.?[0-9]+$ ]] || { echo "bench.sh: --scale must be a positive number" >&2; exit 2; }
 (( growth )) && floor=0
 
@@ -143,6 +155,7 @@ cmake -S "$repo" -B "$work" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCORVANA_TESTS=OF
 cmake --build "$work" -j2 >>"$work/cmake.log" 2>&1 || { tail -30 "$work/cmake.log" >&2; exit 1; }
 program="$work/CorvanaDataImporter"
 replay="$work/bench/replay"
+proxy="$work/delay_proxy"
 linux_program=$program
 if (( windows )); then
   "$repo/scripts/build-windows.sh" >&2
@@ -187,7 +200,11 @@ drop_run_databases() {
   run_databases=()
 }
 stop_durable() { (( durable )) && env "${durable_env[@]}" "$db" stop >&2 || true; }
-trap 'restore_log; drop_run_databases; stop_durable' EXIT
+proxy_pid=""
+stop_proxy() { [[ -n $proxy_pid ]] && kill "$proxy_pid" 2>/dev/null || true; }
+# Without a capture the general log is not ours to touch: another developer's
+# benchmark on the shared server may be capturing.
+trap 'if (( floor )); then restore_log; fi; drop_run_databases; stop_durable; stop_proxy' EXIT
 
 # ---------------------------------------------------------------------------
 # Inputs
@@ -362,6 +379,42 @@ measure_durable() {  # JOB-LINE FACTOR
   echo "$line	$sent" >>"$results"
 }
 
+# --rtt: one job as a plain and an atomic run, directly and through the
+# delaying proxy; one line "job, rows, statements, four wall times" to
+# $results. Rows and statements are the direct plain run's.
+measure_rtt() {  # JOB-LINE FACTOR
+  local name family steps measured files run_words
+  IFS='|' read -r name family steps measured files <<<"$1"
+  local factor=$2 info dir
+  info=$(input_dir "$family" "$factor")
+  dir=${info%%|*}
+  read -r -a run_words <<<"$measured"
+  local slug delay mode counts="" walls=""
+  slug=$(echo "$name" | tr -c 'A-Za-z0-9\n' '_')
+  for delay in 0 "$rtt"; do
+    for mode in plain atomic; do
+      run_number=$((run_number + 1))
+      local base="bench$$_$run_number"
+      run_databases=("$base")
+      log "$name x$factor: $delay ms, $mode run"
+      # The prerequisites go directly; only the measured run goes through
+      # the proxy.
+      prepare "$base" "$dir" "$steps"
+      (( delay > 0 )) && CORVANA_DB_PORT=$proxy_port "$db" ini "$base" "$dir"
+      settle
+      extra_args=()
+      [[ $mode == atomic ]] && extra_args=(-atomic)
+      local out="$runs/${slug}x${factor}_${delay}ms_$mode"
+      run_job "$dir" "$out" "${run_words[@]}"
+      extra_args=()
+      [[ -z $counts ]] && counts=$(python3 "$tool" summary "$out.err" | cut -d' ' -f1-2 | tr ' ' '\t')
+      walls+="	$(tail -1 "$out.time" | cut -f3)"
+      drop_run_databases
+    done
+  done
+  echo "$name	$counts$walls" >>"$results"
+}
+
 # ---------------------------------------------------------------------------
 
 stamp=$(date -u +%Y%m%d-%H%M%S)
@@ -380,6 +433,19 @@ if (( durable )); then
   on_durable=0
 fi
 
+# The proxy serves every run at MS; its port comes on its first line.
+if [[ -n $rtt ]]; then
+  "$proxy" 0 127.0.0.1 "$port" "$rtt" >"$runs/proxy.port" 2>"$runs/proxy.err" &
+  proxy_pid=$!
+  for ((i = 0; i < 100; i++)); do
+    proxy_port=$(head -1 "$runs/proxy.port")
+    [[ -n $proxy_port ]] && break
+    sleep 0.1
+  done
+  [[ -n $proxy_port ]] || { cat "$runs/proxy.err" >&2; echo "bench.sh: the delay proxy did not start" >&2; exit 1; }
+  echo "== Delay: $rtt ms added to every round trip by bench/delay_proxy on 127.0.0.1:$proxy_port"
+fi
+
 run_number=0
 # One spelling per factor (1, not 1.0), so each size is generated once.
 factor() { python3 -c "import sys; print('%g' % (float(sys.argv[1]) * int(sys.argv[2])))" "$scale" "$1"; }
@@ -388,7 +454,13 @@ factors=("$(factor 1)")
 for line in "${jobs[@]}"; do
   [[ -n $only && ! ${line%%|*} =~ $only ]] && continue
   for factor in "${factors[@]}"; do
-    if (( durable )); then measure_durable "$line" "$factor"; else measure "$line" "$factor"; fi
+    if (( durable )); then
+      measure_durable "$line" "$factor"
+    elif [[ -n $rtt ]]; then
+      measure_rtt "$line" "$factor"
+    else
+      measure "$line" "$factor"
+    fi
   done
 done
 
@@ -399,6 +471,8 @@ if (( durable )); then
   while IFS=$'\t' read -r name rp ra dp da sent; do
     printf '%-30s %10s %13ss %14ss %13ss %14ss\n' "$name" "$sent" "$rp" "$ra" "$dp" "$da"
   done <"$results"
+elif [[ -n $rtt ]]; then
+  python3 "$tool" rtt "$results" "$rtt"
 else
   python3 "$tool" table "$results"
 fi

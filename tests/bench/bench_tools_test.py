@@ -125,6 +125,29 @@ class TablesTest(unittest.TestCase):
         self.assertEqual(row, ["KWRC patient", "25.0 s, 5.0 s, 8.2 MB", "52.0 s, 10.5 s, 8.3 MB", "2.08 2.10 1.01"])
 
 
+class RttTableTest(unittest.TestCase):
+    # job, rows, statements, wall s: plain and atomic directly, plain and
+    # atomic through the proxy; the second job ended within the timer's
+    # resolution when direct.
+    RESULTS = ("KWRC patient\t1255\t1310\t0.16\t0.20\t27.42\t26.90\n"
+               "DsWC address_book\t30\t32\t0.00\t0.00\t0.71\t0.70\n")
+
+    def test_columns_and_the_atomic_runs_ratio(self):
+        with tempfile.NamedTemporaryFile("w") as f:
+            f.write(self.RESULTS)
+            f.flush()
+            result = run_tool("rtt", f.name, "20")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        lines = result.stdout.decode().splitlines()
+        self.assertEqual(re.split(r"\s{2,}", lines[0].strip()),
+                         ["job", "rows", "statements", "plain 0 ms", "atomic 0 ms", "plain 20 ms", "atomic 20 ms",
+                          "atomic 20 ms / atomic 0 ms"])
+        self.assertEqual([re.split(r"\s{2,}", line.strip()) for line in lines[2:]], [
+            ["KWRC patient", "1255", "1310", "0.16 s", "0.20 s", "27.42 s", "26.90 s", "134.5x"],
+            ["DsWC address_book", "30", "32", "0.00 s", "0.00 s", "0.71 s", "0.70 s", "-"],
+        ])
+
+
 class TinyScaleTablesTest(unittest.TestCase):
     """At --scale 0.01 a job can end within /usr/bin/time's resolution: a wall
     time, CPU time or replay time of 0.00 prints "-" where a ratio needs it."""

@@ -133,9 +133,11 @@ std::string DatabaseTest::Dump(const std::vector<std::pair<std::string, std::str
   return dump;
 }
 
-void DatabaseTest::WriteIni(const std::string& dir) {
+void DatabaseTest::WriteIni(const std::string& dir) { WriteIni(dir, server_.port); }
+
+void DatabaseTest::WriteIni(const std::string& dir, int port) {
   WriteFile(dir + "/CorvanaDataImporter.ini", "[MYSQL]\r\nServer=" + server_.host + "\r\nPort=" +
-                                                  std::to_string(server_.port) + "\r\nDatabase=" + database_ +
+                                                  std::to_string(port) + "\r\nDatabase=" + database_ +
                                                   "\r\nUsername=" + server_.user + "\r\nPassword=" +
                                                   server_.password + "\r\n");
 }

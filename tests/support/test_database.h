@@ -48,6 +48,9 @@ class DatabaseTest : public ::testing::Test {
 
   // Writes a CorvanaDataImporter.ini for this database into `dir`.
   void WriteIni(const std::string& dir);
+  // The same with another port on the server's host: a DelayProxy's, so that
+  // the program reaches this database through it.
+  void WriteIni(const std::string& dir, int port);
 
   // The banner a run on this database prints before the job's title.
   std::string Connected() const {
