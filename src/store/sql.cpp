@@ -5,6 +5,9 @@
 #include <cstring>
 #include <vector>
 
+#include "store/written_losses.h"
+#include "util/loss_report.h"
+
 bool IsSafeLiteral(std::string_view value) {
   for (std::size_t i = 0; i < value.size(); ++i) {
     if (value[i] == '\\') {
@@ -90,6 +93,8 @@ bool FormatSql(std::string& out, std::string& error, const char* statement,
   const SqlArg* next = args.begin();
   bool in_literal = false;  // inside a single-quoted literal of the statement text
   int number = 0;
+  const bool reads_waiting = AnyReadInPart();
+  std::vector<FormattedValue> for_report;  // allocates only when there is something to report
   for (const char* p = statement; *p != '\0'; ++p) {
     if (*p != '%') {
       if (*p == '\'') in_literal = !in_literal;
@@ -128,12 +133,16 @@ bool FormatSql(std::string& out, std::string& error, const char* statement,
               out.substr(before) + "'";
       return false;
     }
+    if (next->cut || reads_waiting) {
+      for_report.push_back({next, static_cast<std::size_t>(start - statement), before, out.size()});
+    }
     ++next;
   }
   if (next != args.end()) {
     error = "More values than conversions in statement";
     return false;
   }
+  if (!for_report.empty()) ReportWrittenLosses(statement, out, for_report);
   return true;
 }
 

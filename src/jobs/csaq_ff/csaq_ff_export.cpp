@@ -23,12 +23,12 @@ const char* FieldText(const XmlNode* row, const char* name) {
 
 double FieldNumber(const XmlNode* row, const char* name) {
   const char* text = FieldText(row, name);
-  return text != nullptr ? std::atof(text) : 0.0;
+  return text != nullptr ? ReadNumber(text) : 0.0;
 }
 
 int FieldInt(const XmlNode* row, const char* name, int missing) {
   const char* text = FieldText(row, name);
-  return text != nullptr ? ToInt(text) : missing;
+  return text != nullptr ? ReadInteger(text) : missing;
 }
 
 std::string DateBeforeT(const char* text) {
