@@ -9,6 +9,7 @@
 #include <cstring>
 #include <thread>
 
+#include "store/server_warnings.h"
 #include "util/progress.h"
 #include "util/strings.h"
 
@@ -29,6 +30,10 @@ bool g_gave_up_waiting = false;
 unsigned g_connections = 0;
 
 StatementTally g_tally;
+// What the last statement without a result set changed and created, kept so
+// that a SHOW WARNINGS sent after it does not change the answers.
+unsigned long long g_affected_rows = 0;
+long long g_insert_id = 0;
 
 WriteObserver* g_observer = nullptr;
 bool g_in_transaction = false;
@@ -136,6 +141,11 @@ int SendText(const std::string& sql, bool idempotent, bool counted) {
     int result = mysql_real_query(&g_connection, sql.data(), sql.size());
     if (result == 0) {
       g_gave_up_waiting = false;
+      if (mysql_field_count(&g_connection) == 0) {
+        my_ulonglong affected = mysql_affected_rows(&g_connection);
+        g_affected_rows = affected == static_cast<my_ulonglong>(-1) ? 0 : affected;
+        g_insert_id = static_cast<long long>(mysql_insert_id(&g_connection));
+      }
       return 0;
     }
     unsigned error = mysql_errno(&g_connection);
@@ -199,6 +209,7 @@ int Send(bool idempotent) {
     g_observer->AfterWrite(parts, affected == static_cast<my_ulonglong>(-1) ? 0 : affected,
                            static_cast<long long>(mysql_insert_id(&g_connection)));
   }
+  if (mysql_warning_count(&g_connection) != 0) HearServerWarnings(g_statement);
   return 0;
 }
 
@@ -359,7 +370,7 @@ int ExecuteSql(EscapeTexts, const char* statement, std::initializer_list<SqlArg>
 
 const StatementTally& Tally() { return g_tally; }
 
-long long LastInsertId() { return static_cast<long long>(mysql_insert_id(&g_connection)); }
+long long LastInsertId() { return g_insert_id; }
 
 SqlResult QuerySql(const char* statement, std::initializer_list<SqlArg> args) {
   return Query(statement, args, SqlTexts::kAsGiven);
@@ -431,10 +442,7 @@ int ExecuteDirect(const std::string& sql) {
   return SendText(sql, false, false);
 }
 
-unsigned long long AffectedRows() {
-  my_ulonglong affected = mysql_affected_rows(&g_connection);
-  return affected == static_cast<my_ulonglong>(-1) ? 0 : affected;
-}
+unsigned long long AffectedRows() { return g_affected_rows; }
 
 SqlResult::~SqlResult() {
   if (result_ != nullptr) mysql_free_result(result_);
