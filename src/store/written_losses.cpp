@@ -17,6 +17,23 @@ bool OnlyTimeOfDayCut(std::string_view given, std::string_view kept) {
   return true;
 }
 
+// True when another value of the statement that goes to a column is the
+// same as `value`: a read that gave it could be either, so the report does
+// not guess (an export's "1,500" read as 1 next to an order of 1).
+bool WrittenTwice(const std::vector<FormattedValue>& values, const FormattedValue& value,
+                  const WrittenColumns& written) {
+  const SqlArg& arg = *value.arg;
+  for (const FormattedValue& other : values) {
+    const SqlArg& b = *other.arg;
+    if (&other == &value || b.kind != arg.kind || ColumnAt(written, other.format_offset).empty()) continue;
+    bool same = arg.kind == SqlArg::Kind::kInteger ? b.integer == arg.integer
+                : arg.kind == SqlArg::Kind::kReal  ? static_cast<float>(b.real) == static_cast<float>(arg.real)
+                                                   : b.text == arg.text;
+    if (same) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 std::string RecordOfStatement(const std::string& statement) {
@@ -48,9 +65,11 @@ void ReportWrittenLosses(const char* format, const std::string& statement, const
     if (arg.cut) {
       std::string given = CutTextGiven(arg.text);
       // A field filled in place after it was cut no longer holds what was cut.
-      if (!given.empty() && !OnlyTimeOfDayCut(given, arg.text)) ReportLoss({table, column, record, "cut", given, std::string(arg.text)});
+      if (!given.empty() && !OnlyTimeOfDayCut(given, arg.text)) {
+        ReportLoss({table, column, record, "cut", given, std::string(arg.text)});
+      }
     }
-    if (!AnyReadInPart()) continue;
+    if (!AnyReadInPart() || WrittenTwice(values, value, written)) continue;
     std::string as_stored = statement.substr(value.begin, value.end - value.begin);
     switch (arg.kind) {
       case SqlArg::Kind::kInteger:

@@ -61,13 +61,17 @@ std::size_t LossCount() { return g_report.entries.size(); }
 const LossEntry& LossAt(std::size_t index) { return g_report.entries.at(index); }
 
 void ForgetLossesAfter(std::size_t count) {
+  // Reads still waiting came after them too: the job reads them again.
+  g_report.waiting.clear();
   if (count < g_report.entries.size()) g_report.entries.resize(count);
 }
 
 void SetLossQuiet(bool quiet) { g_report.quiet = quiet; }
 
-void NoteNumberReadInPart(std::string_view what, std::string_view as_exported, double value, bool integer) {
+void NoteNumberReadInPart(std::string_view what, std::string_view as_exported, double value, bool integer,
+                          std::string_view source) {
   ReadInPart read;
+  read.entry.column = source;
   read.entry.what = what;
   read.entry.as_exported = as_exported;
   char text[64];
@@ -101,7 +105,7 @@ bool ClaimReadInPart(WrittenKind kind, double number, std::string_view text, std
     if (!same) continue;
     LossEntry entry = std::move(read->entry);
     g_report.waiting.erase(read);
-    entry.table = table;
+    entry.table = table;  // the column written replaces the input's name
     entry.column = column;
     entry.as_stored = as_stored;
     if (entry.record.empty()) entry.record = record;
@@ -180,7 +184,7 @@ std::string LossSummary(const std::string& file) {
   };
   std::vector<Group> groups;  // in the order first seen; a handful, so no index
   for (const LossEntry* e : entries) {
-    std::string place = (e->table.empty() ? std::string("(column not known)") : e->table) +
+    std::string place = (e->table.empty() ? std::string("(input)") : e->table) +
                         (e->column.empty() ? "" : "." + e->column);
     Group* group = nullptr;
     for (Group& known : groups) {

@@ -28,12 +28,12 @@ void SetLossRecord(std::string_view record);
 const std::string& LossRecord();
 
 // How many entries the report holds, and dropping those after the first
-// `count` (a run that goes through its job again forgets what it will
-// report anew).
+// `count` and the reads still waiting for their column (a run that goes
+// through its job again forgets what it will report anew).
 std::size_t LossCount();
+void ForgetLossesAfter(std::size_t count);
 // Entry `index` (below LossCount()), in the order reported.
 const LossEntry& LossAt(std::size_t index);
-void ForgetLossesAfter(std::size_t count);
 
 // While quiet, ReportLoss keeps nothing (a job going again over what it has
 // already done and reported).
@@ -46,8 +46,11 @@ void SetLossQuiet(bool quiet);
 // write claims is reported with table and column empty when the record
 // changes (SetLossRecord with another record) or at FlushReadsInPart.
 // `integer`: the reader gave an integer (claimed by an integer column only),
-// else a decimal number (claimed by a decimal column only).
-void NoteNumberReadInPart(std::string_view what, std::string_view as_exported, double value, bool integer);
+// else a decimal number (claimed by a decimal column only). `source` names
+// the value in the input (an export's element; "" for none): the column
+// shown when no write claims it.
+void NoteNumberReadInPart(std::string_view what, std::string_view as_exported, double value, bool integer,
+                          std::string_view source = {});
 void NoteTextReadInPart(std::string_view what, std::string_view as_exported, std::string_view as_read);
 // True while a read waits to be claimed (the store's cheap test).
 bool AnyReadInPart();

@@ -59,6 +59,8 @@ enum class NumberRest {
 // space, digits up to the first other character, 0 when there are none), and
 // tells the loss report when the text held more than was read: "1,500" reads
 // 1, "12 approx" reads 12, "n/a" reads 0 ("read in part" / "not a number",
-// with the text as it stood). An empty or blank text is no loss.
-double ReadNumber(const char* text, NumberRest rest = NumberRest::kNothing);
-int ReadInteger(const char* text, NumberRest rest = NumberRest::kNothing);
+// with the text as it stood). An empty or blank text is no loss. `source`
+// names the value in the input (an export's element), for the report when
+// the store cannot tell the column it went to.
+double ReadNumber(const char* text, NumberRest rest = NumberRest::kNothing, std::string_view source = {});
+int ReadInteger(const char* text, NumberRest rest = NumberRest::kNothing, std::string_view source = {});
