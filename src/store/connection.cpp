@@ -209,7 +209,7 @@ int Send(bool idempotent) {
     g_observer->AfterWrite(parts, affected == static_cast<my_ulonglong>(-1) ? 0 : affected,
                            static_cast<long long>(mysql_insert_id(&g_connection)));
   }
-  if (mysql_warning_count(&g_connection) != 0) HearServerWarnings(g_statement);
+  if (unsigned warnings = mysql_warning_count(&g_connection)) HearServerWarnings(g_statement, warnings);
   return 0;
 }
 

@@ -2,8 +2,12 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cctype>
 #include <cstring>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 #include "store/sql.h"
 #include "store/written_columns.h"
@@ -88,6 +92,39 @@ void ClassifyTruncation(const std::string& sent, std::string& what, std::string&
   }
 }
 
+// The columns of `table` (lower case) for which the server warns about an
+// empty text, which the application sends for "no date" or "no number":
+// dates, times and numbers.
+std::unordered_set<std::string> ColumnsWarningOnEmpty(const std::string& table) {
+  std::unordered_set<std::string> columns;
+  SqlResult result = QueryDirect(
+      "select lower(column_name) from information_schema.columns where table_schema = database() and "
+      "table_name = '" + EscapeSqlText(table) + "' and data_type in ('date','datetime','timestamp','time','year',"
+      "'tinyint','smallint','mediumint','int','bigint','decimal','float','double','bit')");
+  while (MYSQL_ROW row = result.NextRow()) {
+    if (row[0] != nullptr) columns.insert(row[0]);
+  }
+  return columns;
+}
+
+// How many warnings the empty texts of `statement` give (one each that goes
+// to a column of `zeroing`): when the server gave no more, they are all it
+// said, and none of them is a loss.
+unsigned EmptyValuesWarned(const std::string& statement, const std::unordered_set<std::string>& zeroing) {
+  WrittenColumns written = SplitWrittenColumns(statement);
+  unsigned count = 0;
+  for (const std::vector<WrittenColumns::Span>& row : written.rows) {
+    for (std::size_t i = 0; i < row.size() && i < written.columns.size(); ++i) {
+      std::string_view value(statement.data() + row[i].begin, row[i].end - row[i].begin);
+      if (value != "''" && value != "\"\"") continue;
+      std::string column = written.columns[i];
+      for (char& c : column) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+      if (zeroing.count(column) != 0) ++count;
+    }
+  }
+  return count;
+}
+
 }  // namespace
 
 void ReportServerWarnings(const std::string& statement, SqlResult& warnings) {
@@ -118,8 +155,20 @@ void ReportServerWarnings(const std::string& statement, SqlResult& warnings) {
   }
 }
 
-void HearServerWarnings(const std::string& statement) {
-  if (SplitStatement(statement).table.empty()) return;
+void HearServerWarnings(const std::string& statement, unsigned warning_count) {
+  std::string table = SplitStatement(statement).table;
+  if (table.empty()) return;
+  // Known once per table and connection (after the first warnings were
+  // read: any other statement would clear them).
+  static std::unordered_map<std::string, std::unordered_set<std::string>> zeroing_by_table;
+  static unsigned connection = 0;
+  if (connection != ConnectionCount()) {
+    zeroing_by_table.clear();
+    connection = ConnectionCount();
+  }
+  auto known = zeroing_by_table.find(table);
+  if (known != zeroing_by_table.end() && warning_count == EmptyValuesWarned(statement, known->second)) return;
   SqlResult warnings = QueryDirect("SHOW WARNINGS");
   ReportServerWarnings(statement, warnings);
+  if (known == zeroing_by_table.end()) zeroing_by_table.emplace(table, ColumnsWarningOnEmpty(table));
 }

@@ -15,8 +15,11 @@
 // writes several rows, the row a warning names picks the value.
 void ReportServerWarnings(const std::string& statement, SqlResult& warnings);
 
-// After the write `statement` succeeded with warnings: asks for them (one
-// round trip, outside the run's statement counts) and reports them. Does
-// nothing for a statement that is not a write (its result set is still
-// to be read).
-void HearServerWarnings(const std::string& statement);
+// After the write `statement` succeeded with `warning_count` warnings: asks
+// for them (one round trip, outside the run's statement counts) and reports
+// them. Does nothing for a statement that is not a write (its result set is
+// still to be read), nor when the warnings are as many as the statement's
+// empty texts for dates and numbers (the application's "none", which loses
+// nothing): the columns that warn for them are read once per table, after
+// its first warnings.
+void HearServerWarnings(const std::string& statement, unsigned warning_count);

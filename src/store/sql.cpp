@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cctype>
 #include <cstring>
+#include <strings.h>
 #include <vector>
 
 #include "store/written_losses.h"
@@ -84,6 +85,13 @@ bool FormatOne(std::string& out, std::string_view conversion, const SqlArg& arg)
   }
 }
 
+// True for an INSERT, REPLACE or UPDATE: the statements that store a record.
+bool WritesRows(const char* statement) {
+  while (std::isspace(static_cast<unsigned char>(*statement))) ++statement;
+  return strncasecmp(statement, "insert", 6) == 0 || strncasecmp(statement, "update", 6) == 0 ||
+         strncasecmp(statement, "replace", 7) == 0;
+}
+
 }  // namespace
 
 bool FormatSql(std::string& out, std::string& error, const char* statement,
@@ -142,6 +150,7 @@ bool FormatSql(std::string& out, std::string& error, const char* statement,
     error = "More values than conversions in statement";
     return false;
   }
+  if (reads_waiting && WritesRows(statement)) NoteStatementWhileReadsWait();
   if (!for_report.empty()) ReportWrittenLosses(statement, out, for_report);
   return true;
 }

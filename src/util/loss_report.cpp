@@ -22,6 +22,7 @@ struct LossReport {
   std::string record;
   bool quiet = false;
   std::vector<ReadInPart> waiting;
+  bool written_since_read = false;  // see NoteStatementWhileReadsWait
 };
 
 LossReport g_report;
@@ -32,6 +33,7 @@ constexpr std::size_t kMostWaiting = 16;
 
 void Wait(ReadInPart read) {
   if (g_report.quiet) return;
+  if (g_report.written_since_read) FlushReadsInPart();
   read.entry.record = g_report.record;
   if (g_report.waiting.size() >= kMostWaiting) {
     g_report.entries.push_back(std::move(g_report.waiting.front().entry));
@@ -63,6 +65,7 @@ const LossEntry& LossAt(std::size_t index) { return g_report.entries.at(index); 
 void ForgetLossesAfter(std::size_t count) {
   // Reads still waiting came after them too: the job reads them again.
   g_report.waiting.clear();
+  g_report.written_since_read = false;
   if (count < g_report.entries.size()) g_report.entries.resize(count);
 }
 
@@ -93,6 +96,8 @@ void NoteTextReadInPart(std::string_view what, std::string_view as_exported, std
 
 bool AnyReadInPart() { return !g_report.waiting.empty(); }
 
+void NoteStatementWhileReadsWait() { g_report.written_since_read = true; }
+
 bool ClaimReadInPart(WrittenKind kind, double number, std::string_view text, std::string_view table,
                      std::string_view column, std::string_view as_stored, std::string_view record) {
   for (auto read = g_report.waiting.begin(); read != g_report.waiting.end(); ++read) {
@@ -120,6 +125,7 @@ void FlushReadsInPart() {
     if (!g_report.quiet) g_report.entries.push_back(std::move(read.entry));
   }
   g_report.waiting.clear();
+  g_report.written_since_read = false;
 }
 
 namespace {

@@ -54,6 +54,11 @@ void NoteNumberReadInPart(std::string_view what, std::string_view as_exported, d
 void NoteTextReadInPart(std::string_view what, std::string_view as_exported, std::string_view as_read);
 // True while a read waits to be claimed (the store's cheap test).
 bool AnyReadInPart();
+// The store formatted a write while reads waited. The next read then
+// begins another record: the reads still waiting are reported as they are
+// (so that they are not claimed by a later record's values, and a run does
+// not look for them in every statement after).
+void NoteStatementWhileReadsWait();
 // What a statement wrote, for ClaimReadInPart.
 enum class WrittenKind { kInteger, kDecimal, kText };
 
