@@ -12,6 +12,8 @@
 #include "driver/undo.h"
 #include "store/connection.h"
 #include "util/log_watch.h"
+#include "util/loss_report.h"
+#include "util/platform.h"
 #include "util/progress.h"
 #include "util/strings.h"
 #include "util/text.h"
@@ -90,6 +92,26 @@ int ConnectFromConfig() {
   return 0;
 }
 
+namespace {
+
+// The loss report of the job that ran: the whole list in its file beside the
+// journal, the short table on stderr.
+void ShowLossReport() {
+  FlushReadsInPart();
+  std::string file;
+  if (DistinctLossCount() > 0 && !LossFilePath().empty()) {
+    MakeFolder(kJournalFolder);  // a dry run has not made it
+    file = LossFilePath();
+    if (!WriteLossFile(file)) {
+      std::fprintf(stderr, "Could not write the loss report to %s\n", file.c_str());
+      file.clear();
+    }
+  }
+  std::fputs(LossSummary(file).c_str(), stderr);
+}
+
+}  // namespace
+
 int RunImporter(int argc, const char* const* argv) {
   const auto started = std::chrono::steady_clock::now();
   WatchLog();
@@ -131,6 +153,7 @@ int RunImporter(int argc, const char* const* argv) {
   std::string job = std::string(OrgCode.c_str()) + " - " + DataType.c_str() + " - " + std::to_string(Year);
   std::string summary = FormatRunSummary(job, Tally(), problems, seconds);
   std::fputs((summary + note).c_str(), stderr);
+  if (!LossFilePath().empty()) ShowLossReport();
   CloseDatabase();
   return exit_code;
 }

@@ -45,10 +45,12 @@ std::string FileNamePart(const std::string& text) {
   return part;
 }
 
-// Creates the run's journal file, named by the time (so that ls sorts the
-// journals by time) and the job. Returns its path, or "" on failure.
-std::string CreateJournalFile(RunJournal& journal) {
-  MakeFolder(kJournalFolder);  // or it is there already
+// Where the run's loss report goes: beside its journal, named like it.
+std::string g_loss_file;
+
+// The run's files in the journal folder are named by the time (so that ls
+// sorts them by time) and the job: the name without its ending.
+std::string RunFileBase() {
   auto now = std::chrono::system_clock::now();
   std::time_t seconds = std::chrono::system_clock::to_time_t(now);
   auto millis = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
@@ -60,6 +62,13 @@ std::string CreateJournalFile(RunJournal& journal) {
                      "-" + FileNamePart(g_run.org) + "-" + FileNamePart(g_run.type) + "-" +
                      std::to_string(g_run.year);
   if (!g_run.region.empty()) base += "-" + FileNamePart(g_run.region);
+  return base;
+}
+
+// Creates the run's journal file. Returns its path, or "" on failure.
+std::string CreateJournalFile(RunJournal& journal) {
+  MakeFolder(kJournalFolder);  // or it is there already
+  std::string base = RunFileBase();
   for (int attempt = 1; attempt < 100; ++attempt) {
     std::string path = base + (attempt > 1 ? "-" + std::to_string(attempt) : "") + ".journal";
     if (journal.Create(path)) return path;
@@ -159,6 +168,7 @@ int BeginSafeRun(const SafeRunOptions& options, const JobDescription& job, const
       return kExitRefused;
     }
     std::fprintf(stderr, "Journal of this run: %s\n", path.c_str());
+    g_loss_file = path.substr(0, path.size() - std::string(".journal").size()) + ".losses.tsv";
     g_journal_fd = g_journal->FileDescriptor();
     OnInterrupt(JournalInterrupted);
     g_journal->Record({"# CorvanaDataImporter journal: one record per line, fields separated by tabs"});
@@ -174,6 +184,7 @@ int BeginSafeRun(const SafeRunOptions& options, const JobDescription& job, const
     g_journal->ReadColumnsAhead(job.tables);
     SetWriteObserver(g_journal.get());
   }
+  if (options.dry_run) g_loss_file = RunFileBase() + "-dry-run.losses.tsv";
   if (options.dry_run || options.atomic) {
     SetTransactionLostHandler(TransactionLost);
     if (BeginRunTransaction(true) != 0) {
@@ -207,3 +218,5 @@ int EndSafeRun(std::string& summary_note) {
   g_journal.reset();
   return exit_code;
 }
+
+const std::string& LossFilePath() { return g_loss_file; }

@@ -48,3 +48,8 @@ int EndSafeRun(std::string& summary_note);
 // "" when there is none. `files` are "name", "size", "sha256" triples.
 std::string FindEarlierImport(const std::string& folder, const ConnectionTarget& target, const SafeRunOptions& options,
                               const std::vector<std::string>& files);
+
+// Where the loss report of the run that BeginSafeRun began is kept: beside
+// its journal, named like it with ".losses.tsv" ("-dry-run.losses.tsv" for a
+// dry run, which has no journal); "" before a run began.
+const std::string& LossFilePath();

@@ -14,6 +14,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "store/server_warnings.h"
 #include "util/log_watch.h"
 #include "util/loss_report.h"
 #include "util/progress.h"
@@ -272,11 +273,10 @@ unsigned long long AffectedNow() {
 int SendBatched(const StatementParts& parts, bool writes);
 void Flush();
 
-// The server's warnings for a write (SHOW WARNINGS rows: level, code,
-// message): the loss report takes them.
+// The server's warnings for a batched write (SHOW WARNINGS rows: level,
+// code, message): the loss report takes them.
 void HeardWarnings(std::string_view statement, SqlResult& warnings) {
-  (void)statement;
-  (void)warnings;
+  ReportServerWarnings(std::string(statement), warnings);
 }
 
 // Sends the prepared statement of the job, past the run's guards: inside the
@@ -315,10 +315,13 @@ int Send(bool idempotent) {
   }
   int result = SendText(g_statement, idempotent, true);
   if (result != 0) return result;
-  g_last_insert_id = static_cast<long long>(mysql_insert_id(&g_connection));
-  g_last_affected = AffectedNow();
+  if (mysql_field_count(&g_connection) == 0) {
+    g_last_insert_id = static_cast<long long>(mysql_insert_id(&g_connection));
+    g_last_affected = AffectedNow();
+  }
   CountRows(g_statement, g_last_affected);
   if (writes && g_observer != nullptr) g_observer->AfterWrite(parts, g_last_affected, g_last_insert_id);
+  if (unsigned warnings = mysql_warning_count(&g_connection)) HearServerWarnings(g_statement, warnings);
   return 0;
 }
 

@@ -3,7 +3,11 @@
 #include <cstdio>
 #include <cctype>
 #include <cstring>
+#include <strings.h>
 #include <vector>
+
+#include "store/written_losses.h"
+#include "util/loss_report.h"
 
 bool IsSafeLiteral(std::string_view value) {
   for (std::size_t i = 0; i < value.size(); ++i) {
@@ -81,6 +85,13 @@ bool FormatOne(std::string& out, std::string_view conversion, const SqlArg& arg)
   }
 }
 
+// True for an INSERT, REPLACE or UPDATE: the statements that store a record.
+bool WritesRows(const char* statement) {
+  while (std::isspace(static_cast<unsigned char>(*statement))) ++statement;
+  return strncasecmp(statement, "insert", 6) == 0 || strncasecmp(statement, "update", 6) == 0 ||
+         strncasecmp(statement, "replace", 7) == 0;
+}
+
 }  // namespace
 
 bool FormatSql(std::string& out, std::string& error, const char* statement,
@@ -90,6 +101,8 @@ bool FormatSql(std::string& out, std::string& error, const char* statement,
   const SqlArg* next = args.begin();
   bool in_literal = false;  // inside a single-quoted literal of the statement text
   int number = 0;
+  const bool reads_waiting = AnyReadInPart();
+  std::vector<FormattedValue> for_report;  // allocates only when there is something to report
   for (const char* p = statement; *p != '\0'; ++p) {
     if (*p != '%') {
       if (*p == '\'') in_literal = !in_literal;
@@ -128,12 +141,17 @@ bool FormatSql(std::string& out, std::string& error, const char* statement,
               out.substr(before) + "'";
       return false;
     }
+    if (next->cut || reads_waiting) {
+      for_report.push_back({next, static_cast<std::size_t>(start - statement), before, out.size()});
+    }
     ++next;
   }
   if (next != args.end()) {
     error = "More values than conversions in statement";
     return false;
   }
+  if (reads_waiting && WritesRows(statement)) NoteStatementWhileReadsWait();
+  if (!for_report.empty()) ReportWrittenLosses(statement, out, for_report);
   return true;
 }
 

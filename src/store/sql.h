@@ -29,7 +29,7 @@ struct SqlArg {
   SqlArg(const std::string& value) : kind(Kind::kText), text(value) {}
   SqlArg(std::string_view value) : kind(Kind::kText), text(value) {}
   template <std::size_t N>
-  SqlArg(const Text<N>& value) : kind(Kind::kText), text(value.view()) {}
+  SqlArg(const Text<N>& value) : kind(Kind::kText), text(value.view()), cut(value.cut != 0) {}
   SqlArg(char value) : kind(Kind::kChar), character(value) {}
   SqlArg(double value) : kind(Kind::kReal), real(value) {}
   SqlArg(float value) : kind(Kind::kReal), real(value) {}
@@ -42,6 +42,7 @@ struct SqlArg {
   double real = 0;
   char character = 0;
   bool escaped = false;  // already escaped: never escaped again (see AlreadyEscaped)
+  bool cut = false;      // a Text field that was cut when it was filled (see Text::cut)
 };
 
 // Marks a text that its caller has escaped already, so that a statement
@@ -67,7 +68,9 @@ enum class SqlTexts {
 // so a width applies to the text as it came, never to its escaped form.
 // Returns true with the text in `out`; false with the reason in `error` when
 // a text inside a quoted literal would end it early, or when the values do
-// not match the conversions.
+// not match the conversions. A value written to a column that was cut to its
+// field, or that a reader took only in part, goes to the loss report with the
+// column the statement gives it (see written_columns.h).
 bool FormatSql(std::string& out, std::string& error, const char* statement,
                std::initializer_list<SqlArg> args, SqlTexts texts = SqlTexts::kAsGiven);
 

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <strings.h>
 
+#include "util/loss_report.h"
+
 namespace {
 
 bool IsClassicSpace(unsigned char c) {
@@ -79,4 +81,40 @@ int ToInt(const char* text) {
   if (value > INT_MAX) return INT_MAX;
   if (value < INT_MIN) return INT_MIN;
   return static_cast<int>(value);
+}
+
+namespace {
+
+bool IsAsciiLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
+// Tells the loss report when `text` held more than its number, which ended
+// at `end` (`text` itself when there was none).
+void CheckNumberRest(const char* text, const char* end, NumberRest rest, double value, bool integer,
+                     std::string_view source) {
+  const char* p = end;
+  while (IsClassicSpace(static_cast<unsigned char>(*p))) ++p;
+  if (*p == '\0') return;  // white space after the number, or a blank cell: nothing lost
+  if (end == text) {
+    NoteNumberReadInPart("not a number", text, value, integer, source);
+    return;
+  }
+  if (rest == NumberRest::kUnit && IsAsciiLetter(*p) && std::strpbrk(p, "0123456789") == nullptr) return;
+  NoteNumberReadInPart("read in part", text, value, integer, source);
+}
+
+}  // namespace
+
+double ReadNumber(const char* text, NumberRest rest, std::string_view source) {
+  char* end = nullptr;
+  double value = std::strtod(text, &end);
+  if (*end != '\0') CheckNumberRest(text, end, rest, value, false, source);
+  return value;
+}
+
+int ReadInteger(const char* text, NumberRest rest, std::string_view source) {
+  char* end = nullptr;
+  long long value = std::strtoll(text, &end, 10);
+  int clamped = value > INT_MAX ? INT_MAX : value < INT_MIN ? INT_MIN : static_cast<int>(value);
+  if (*end != '\0') CheckNumberRest(text, end, rest, clamped, true, source);
+  return clamped;
 }

@@ -48,3 +48,19 @@ std::string LowerAscii(std::string_view text);
 // to the first other character, 0 when there are none), without atoi's
 // undefined behaviour on overflow: out-of-range values clamp to the int range.
 int ToInt(const char* text);
+
+// What may follow a number in its text without anything being lost.
+enum class NumberRest {
+  kNothing,  // only white space
+  kUnit,     // a unit word the caller reads itself ("12 kg", "30cm"), but no more digits
+};
+
+// Reads a number from an input text as atof and ToInt do (leading white
+// space, digits up to the first other character, 0 when there are none), and
+// tells the loss report when the text held more than was read: "1,500" reads
+// 1, "12 approx" reads 12, "n/a" reads 0 ("read in part" / "not a number",
+// with the text as it stood). An empty or blank text is no loss. `source`
+// names the value in the input (an export's element), for the report when
+// the store cannot tell the column it went to.
+double ReadNumber(const char* text, NumberRest rest = NumberRest::kNothing, std::string_view source = {});
+int ReadInteger(const char* text, NumberRest rest = NumberRest::kNothing, std::string_view source = {});

@@ -34,7 +34,10 @@ constexpr CodeByName kSnakeCodes[] = {
 constexpr float kMillimetresPerCentimetre = 10.0f;
 
 float Millimetres(const XmlNode* row, const char* element) {
-  return static_cast<float>(FieldNumber(row, element)) * kMillimetresPerCentimetre;
+  const char* text = FieldText(row, element);
+  // "68 cm" only repeats the unit the element is in.
+  double centimetres = text != nullptr ? ReadNumber(text, NumberRest::kUnit) : 0.0;
+  return static_cast<float>(centimetres) * kMillimetresPerCentimetre;
 }
 
 // Patient keys found so far: a daily log names the same animal day after day.
@@ -124,7 +127,7 @@ bool ImportSnakeRow(const XmlNode* row, PatientFinder& patients, Counts& counts)
   const char* weight = FieldText(row, "Weight_x0020__x0028_g_x0029_");
   if (weight == nullptr) return true;
   if (!WriteMeasurement(patient, DateBeforeT(FieldText(row, "Report_x0020_Date")),
-                        static_cast<float>(std::atof(weight)), nullptr)) {
+                        static_cast<float>(ReadNumber(weight)), nullptr)) {
     return false;
   }
   ++counts.inserted;
@@ -229,7 +232,7 @@ const char* SnakeSpeciesCode(const char* snake) {
 }
 
 float VitalStatsGrams(const char* weight) {
-  float grams = static_cast<float>(std::atof(weight));
+  float grams = static_cast<float>(ReadNumber(weight, NumberRest::kUnit));
   return LowerAscii(weight).find("kg") != std::string::npos ? grams * 1000.0f : grams;
 }
 

@@ -1,6 +1,8 @@
 #include "jobs/csaq_ff/csaq_ff_export.h"
 
+#include <cstdio>
 #include <cstdlib>
+#include <string>
 
 #include "util/strings.h"
 
@@ -21,14 +23,42 @@ const char* FieldText(const XmlNode* row, const char* name) {
   return text != nullptr ? text : "";
 }
 
+namespace {
+
+// An element's name as the export's table named the field: "_x0020_" and
+// the like stand for the characters a name cannot hold.
+std::string ExportFieldName(const char* name) {
+  std::string plain;
+  for (const char* p = name; *p != '\0'; ++p) {
+    unsigned code = 0;
+    if (p[0] == '_' && p[1] == 'x' && std::sscanf(p + 2, "%4x", &code) == 1 && p[6] == '_' && code > 0 &&
+        code < 0x100) {
+      plain.push_back(static_cast<char>(code));
+      p += 6;
+    } else {
+      plain.push_back(*p);
+    }
+  }
+  return plain;
+}
+
+}  // namespace
+
 double FieldNumber(const XmlNode* row, const char* name) {
   const char* text = FieldText(row, name);
-  return text != nullptr ? std::atof(text) : 0.0;
+  if (text == nullptr) return 0.0;
+  char* end = nullptr;
+  double value = std::strtod(text, &end);
+  // The field's name only for a value that goes to the loss report.
+  return *end == '\0' ? value : ReadNumber(text, NumberRest::kNothing, ExportFieldName(name));
 }
 
 int FieldInt(const XmlNode* row, const char* name, int missing) {
   const char* text = FieldText(row, name);
-  return text != nullptr ? ToInt(text) : missing;
+  if (text == nullptr) return missing;
+  char* end = nullptr;
+  std::strtoll(text, &end, 10);
+  return *end == '\0' ? ToInt(text) : ReadInteger(text, NumberRest::kNothing, ExportFieldName(name));
 }
 
 std::string DateBeforeT(const char* text) {

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "util/strings.h"
+
 namespace {
 
 struct Unit {
@@ -26,7 +28,7 @@ constexpr double kCentimetres = 10.0;  // a length without a unit
 template <std::size_t N>
 float Convert(const char* text, const Unit (&units)[N], double no_unit) {
   // Measures are kept single-precision, as the biometric columns are.
-  double value = static_cast<float>(std::atof(text));
+  double value = static_cast<float>(ReadNumber(text, NumberRest::kUnit));
   for (const Unit& unit : units) {
     if (std::strstr(text, unit.word) == nullptr) continue;
     return unit.factor < 0 ? -1.0f : static_cast<float>(value * unit.factor);

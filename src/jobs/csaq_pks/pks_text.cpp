@@ -94,7 +94,7 @@ bool ReadCount(const char* text, int& value) {
   while (*p == ' ' || *p == '\t' || *p == '\n' || *p == '\v' || *p == '\f' || *p == '\r') ++p;
   if (*p == '+' || *p == '-') ++p;
   if (!IsDigit(*p)) return false;
-  value = ToInt(text);
+  value = ReadInteger(text);
   return true;
 }
 
@@ -102,7 +102,7 @@ bool ReadDecimal(const char* text, double& value) {
   char* end = nullptr;
   double read = std::strtod(text, &end);
   if (end == text || !std::isfinite(read)) return false;
-  value = read;
+  value = ReadNumber(text);  // the same number; tells the loss report of what follows it
   return true;
 }
 

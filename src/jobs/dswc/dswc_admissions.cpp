@@ -115,7 +115,7 @@ void ApplyRemainingColumns(AdmissionLine& line, PatientRecord& patient, PatientF
 
   if (line[kDonation] != nullptr) {
     if (const char* dollar = std::strchr(line[kDonation], '$')) {
-      finder.donation = static_cast<float>(std::strtod(dollar + 1, nullptr));
+      finder.donation = static_cast<float>(ReadNumber(dollar + 1));
     }
   }
   if (line[kPhone] != nullptr) finder.found_phone1 = line[kPhone];

@@ -113,7 +113,7 @@ void ParseStateAndZip(std::string_view rest, PatientFinderInfo& finder) {
 }
 
 float ScaledIfDecimal(const char* text, double factor) {
-  double value = std::atof(text);
+  double value = ReadNumber(text);
   if (std::strchr(text, '.') != nullptr) value *= factor;
   return static_cast<float>(value);
 }

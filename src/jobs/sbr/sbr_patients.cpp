@@ -251,9 +251,9 @@ void ReadFinder(SbrCase& c) {
 }
 
 void ReadPcv(const char* pcv, const char* total_solids, const char* buffy, const Text<11>& date, PcvRecord& record) {
-  record.pcv = static_cast<int16_t>(ToInt(pcv));
-  record.ts = static_cast<float>(std::atof(total_solids));
-  record.buffy = static_cast<float>(std::atof(buffy));
+  record.pcv = static_cast<int16_t>(ReadInteger(pcv));
+  record.ts = static_cast<float>(ReadNumber(total_solids));
+  record.buffy = static_cast<float>(ReadNumber(buffy));
   record.date = date;
 }
 
@@ -264,7 +264,7 @@ bool ReadAdmission(SbrCase& c) {
     valid = false;
   }
   if (c.finder.found_date.empty()) c.finder.found_date = c.patient.admission_date;
-  c.keel = static_cast<float>(std::atof(c.column[kKeel]));
+  c.keel = static_cast<float>(ReadNumber(c.column[kKeel]));
   ReadPcv(c.column[kAdmissionPcv], c.column[kAdmissionTotalSolids], c.column[kAdmissionBuffy],
           c.patient.admission_date, c.admission_pcv);
   return valid;

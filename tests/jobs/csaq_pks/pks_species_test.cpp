@@ -20,12 +20,12 @@ TEST(PksSpeciesTest, NormaliseCommonName) {
 TEST(PksSpeciesTest, LookupSpeciesByTaxon) {
   SpeciesCache cache;
   const SpeciesCacheEntry entries[] = {
-      {{"MOJE"}, {"Moon jelly"}, {"invertebrate:cnidarian"}},
-      {{"LOGG"}, {"Loggerhead turtle"}, {"reptile:turtle"}},
-      {{"LOG2"}, {"Loggerhead turtle"}, {"second of the name"}},
-      {{"ABBREV_LONGER_THAN_FIFTEEN"}, {"Blue tang"}, {"fish:marine"}},
-      {{""}, {"Unsorted"}, {"invertebrate"}},
-      {{"ATSN"}, {"Atlantic sea nettle"}, {"after the entry without abbrev"}},
+      {{"MOJE", 0}, {"Moon jelly", 0}, {"invertebrate:cnidarian", 0}},
+      {{"LOGG", 0}, {"Loggerhead turtle", 0}, {"reptile:turtle", 0}},
+      {{"LOG2", 0}, {"Loggerhead turtle", 0}, {"second of the name", 0}},
+      {{"ABBREV_LONGER_THAN_FIFTEEN", 0}, {"Blue tang", 0}, {"fish:marine", 0}},
+      {{"", 0}, {"Unsorted", 0}, {"invertebrate", 0}},
+      {{"ATSN", 0}, {"Atlantic sea nettle", 0}, {"after the entry without abbrev", 0}},
   };
   for (const SpeciesCacheEntry& entry : entries) cache.Add(entry);
   struct Case {

@@ -31,9 +31,12 @@ TEST(UprcPlacesTest, SplitPlaceText) {
       {" , AL", "old name", "", "AL"},
   };
   for (const auto& [text, name, town, state] : cases) {
-    Text<64> n{" old name "};
-    Text<32> t{"old town"};
-    Text<21> s{"old state"};
+    Text<64> n{};
+    Text<32> t{};
+    Text<21> s{};
+    n = " old name ";
+    t = "old town";
+    s = "old state";
     SplitPlaceText(text, n, t, s);
     EXPECT_EQ(n, name) << "'" << text << "'";
     EXPECT_EQ(t, town) << "'" << text << "'";
