@@ -1,0 +1,132 @@
+#include "util/read_losses.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/test_database.h"
+#include "util/line_reader.h"
+#include "util/tokenizer.h"
+
+namespace {
+
+std::string Show(const LossEntry& e) {
+  return e.table + "|" + e.column + "|" + e.record + "|" + e.what + "|" + e.as_exported + "|" + e.as_stored;
+}
+
+enum class Rule { kRunOfTabs, kEveryTab };
+
+struct ReadCase {
+  const char* name;
+  std::string file;  // after a header line
+  int fields;        // the fields the "job" takes
+  Rule rule;
+  std::size_t piece;  // the reader's read size
+  std::vector<std::string> entries;
+};
+
+// Reads `file` as a job would (header skipped, each line cut once) and
+// returns what was reported.
+std::vector<std::string> ReadAsJob(const ReadCase& c) {
+  std::string dir = MakeTempDir();
+  WriteFile(dir + "/in.txt", "header\n" + c.file);
+  std::vector<LossEntry> entries;
+  WatchReadLosses(&entries);
+  {
+    LineReader reader((dir + "/in.txt").c_str(), c.piece);
+    std::string text;
+    reader.ReadLine(text);
+    while (reader.ReadLine(text)) {
+      if (c.rule == Rule::kEveryTab) {
+        while (!text.empty() && text.back() == '\n') text.pop_back();
+      }
+      Tokenizer tokenizer(text);
+      char* field[16];
+      if (c.rule == Rule::kRunOfTabs) {
+        TakeFields(tokenizer, field, c.fields, "\t", "\t\r\n");
+      } else {
+        TakeEveryField(tokenizer, field, c.fields, "\t");
+      }
+    }
+  }
+  WatchReadLosses(nullptr);
+  std::vector<std::string> shown;
+  const std::string prefix = dir + "/";
+  for (const LossEntry& e : entries) {
+    std::string line = Show(e);
+    for (std::size_t at; (at = line.find(prefix)) != std::string::npos;) line.erase(at, prefix.size());
+    shown.push_back(line);
+  }
+  return shown;
+}
+
+TEST(ReadLossesTest, LinesReadOtherwiseThanTheyLook) {
+  const std::string long_line = std::string(12, 'a') + "\t" + std::string(12, 'b');  // 25 characters
+  const ReadCase cases[] = {
+      {"clean", "Owner\tSaker\t4/2/12\t985\t101\t5550\r\n", 6, Rule::kRunOfTabs, 1023, {}},
+      {"empty microchip", "Owner\tSaker\t4/2/12\t\t101\t5550\r\n", 6, Rule::kRunOfTabs, 1023,
+       {"in.txt|column 4|in.txt line 2|empty cell|[Owner][Saker][4/2/12][][101][5550]|"
+        "column 5 read as column 4, and every later cell one column to the left"}},
+      {"empty first and third cells, one line later", "a\tb\n\tA\t\tB\tC\n", 5, Rule::kRunOfTabs, 1023,
+       {"in.txt|columns 1, 3|in.txt line 3|empty cell|[][A][][B][C]|"
+        "every cell after an empty one read one more column to the left (2 in all)"}},
+      {"trailing empty cells move nothing", "A\tB\t\t\n", 4, Rule::kRunOfTabs, 1023, {}},
+      {"a blank in an unread cell is nothing lost", "A\tB\t \n", 2, Rule::kRunOfTabs, 1023, {}},
+      {"tab inside a quoted text", "1\t\"Found on\tthe ground\"\tRelease\r\n", 3, Rule::kRunOfTabs, 1023,
+       {"in.txt|column 4|in.txt line 2|extra fields|[Release]|not read: the quoted text of column 2 holds a tab, "
+        "so the cells after it were read one column to the right"}},
+      {"more cells than read, empty ones kept", "A\t\tB\tC\t\"x\"\n", 3, Rule::kEveryTab, 1023,
+       {"in.txt|column 4|in.txt line 2|extra fields|[C][\"x\"]|not read"}},
+      {"empty cells stay with every tab a separator", "A\t\tB\n", 3, Rule::kEveryTab, 1023, {}},
+      {"line read in three pieces", long_line + "\nnext\n", 2, Rule::kRunOfTabs, 10,
+       {"in.txt|line|in.txt line 2|line read in pieces|25 characters|read as 3 lines of at most 10 characters"}},
+      {"line end alone in the second piece", std::string(10, 'x') + "\n", 1, Rule::kRunOfTabs, 10,
+       {"in.txt|line|in.txt line 2|line read in pieces|10 characters|read as 2 lines of at most 10 characters"}},
+      {"last line cut at the end of the file", std::string(10, 'x') + "yz", 1, Rule::kRunOfTabs, 10,
+       {"in.txt|line|in.txt line 2|line read in pieces|12 characters|read as 2 lines of at most 10 characters"}},
+  };
+  for (const ReadCase& c : cases) EXPECT_EQ(ReadAsJob(c), c.entries) << c.name;
+}
+
+// A job that cuts its line twice reports it once; a tokenizer of a copy or
+// of a part of a field reports nothing; the record is named while the file
+// is read, and no longer after it.
+TEST(ReadLossesTest, OnceForTheLineAndNamesItsRecord) {
+  std::string dir = MakeTempDir();
+  WriteFile(dir + "/in.txt", "header\na\t\tb\tc\"\td\n");
+  std::vector<LossEntry> entries;
+  WatchReadLosses(&entries);
+  std::string record;
+  {
+    LineReader reader((dir + "/in.txt").c_str(), 100);
+    std::string text;
+    reader.ReadLine(text);
+    ASSERT_TRUE(reader.ReadLine(text));
+    record = LossRecord();
+    for (int pass = 0; pass < 2; ++pass) {
+      Tokenizer tokenizer(text);
+      char* field[2];
+      TakeFields(tokenizer, field, 2, "\t", "\t");
+    }
+    std::string copy = text;
+    Tokenizer of_copy(copy);
+    while (of_copy.Next(" ") != nullptr) {
+    }
+    EXPECT_FALSE(reader.ReadLine(text));
+    EXPECT_EQ(LossRecord(), "");
+  }
+  WatchReadLosses(nullptr);
+  EXPECT_EQ(record, dir + "/in.txt line 2");
+  ASSERT_EQ(entries.size(), 2u);
+  EXPECT_EQ(entries[0].what, "empty cell");
+  EXPECT_EQ(entries[1].what, "extra fields");
+  EXPECT_EQ(entries[1].as_exported, "[c\"][d]");
+  EXPECT_EQ(entries[1].as_stored, "not read");
+
+  EXPECT_EQ(ReportedFileName("./GLFH_Patients.txt"), "GLFH_Patients.txt");
+  EXPECT_EQ(ReportedFileName(".\\UPRC 2012.txt"), "UPRC 2012.txt");
+  EXPECT_EQ(ReportedFileName("BandSightings/BandSightings.txt"), "BandSightings/BandSightings.txt");
+}
+
+}  // namespace
