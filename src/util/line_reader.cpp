@@ -1,5 +1,6 @@
 #include "util/line_reader.h"
 
+#include <algorithm>
 #include <charconv>
 
 LineReader::LineReader(const char* path, std::size_t max_chars, bool show_progress)
@@ -26,6 +27,7 @@ bool LineReader::ReadLine(std::string& line) {
   last_was_cut_ = false;
   last_line_ = line_;
   if (!stream_.is_open()) return false;
+  line_offset_ = stream_.offset();
   bool read = true;
   for (;;) {
     if (line.size() >= max_chars_) {
@@ -74,4 +76,18 @@ void LineReader::NoteLine(const std::string& line, bool read) {
   }
   input_.text = line.data();
   SetCurrentInputLine(&input_);
+  if (next_replacement_ < stream_.replacements().size()) NoteReplaced(line);
+}
+
+void LineReader::NoteReplaced(const std::string& line) {
+  const auto& replaced = stream_.replacements();
+  const unsigned long long end = stream_.offset();
+  while (next_replacement_ < replaced.size() && replaced[next_replacement_].offset < line_offset_) ++next_replacement_;
+  std::size_t first = next_replacement_;
+  while (next_replacement_ < replaced.size() && replaced[next_replacement_].offset < end) ++next_replacement_;
+  if (first == next_replacement_) return;
+  // A CR LF can only end the line, so the offsets within it are indexes.
+  std::size_t at = static_cast<std::size_t>(replaced[first].offset - line_offset_);
+  int column = 1 + static_cast<int>(std::count(line.begin(), line.begin() + std::min(at, line.size()), '\t'));
+  ReportCharactersNotHeld(input_, column, replaced[first].code_point, next_replacement_ - first);
 }

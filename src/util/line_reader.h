@@ -19,7 +19,8 @@ class LineReader {
   // run's inputs (not the configuration file): reading it is shown as the
   // run's progress, each line it hands out names the record of the loss
   // report ("FILE line N") and is the current input line that a Tokenizer
-  // reports on, and a line read in pieces is reported (util/read_losses.h).
+  // reports on, and a line read in pieces or holding characters latin1
+  // cannot hold (a Unicode file's) is reported (util/read_losses.h).
   LineReader(const char* path, std::size_t max_chars, bool show_progress = true);
   ~LineReader();
   LineReader(const LineReader&) = delete;
@@ -50,6 +51,8 @@ class LineReader {
   // current input line, and reports it when it was read in pieces. `read`
   // is false at the end of the file.
   void NoteLine(const std::string& line, bool read);
+  // Reports the characters of `line` that came out as '?'.
+  void NoteReplaced(const std::string& line);
 
   long long line_ = 1;  // line of the file the next byte belongs to
   long long last_line_ = 0;
@@ -62,6 +65,8 @@ class LineReader {
   std::string record_;        // "NAME line N" of the current line
   std::size_t record_prefix_ = 0;  // the length of "NAME line "
   InputLine input_;
+  unsigned long long line_offset_ = 0;     // where the last line read starts in the text
+  std::size_t next_replacement_ = 0;       // the first of stream_.replacements() not yet reported
   long long pieces_ = 0;                   // pieces of the current line read so far, all cut
   unsigned long long piece_chars_ = 0;     // characters in them
 };

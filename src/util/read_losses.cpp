@@ -1,6 +1,7 @@
 #include "util/read_losses.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 namespace {
@@ -141,6 +142,19 @@ void ReportLineInPieces(const char* file, long long number, unsigned long long l
   Report({FileOf(file), "line", RecordOf(file, number),
           "line read in pieces", std::to_string(length) + " characters",
           "read as " + std::to_string(pieces) + " lines of at most " + std::to_string(piece_size) + " characters"});
+}
+
+void ReportCharactersNotHeld(const InputLine& line, int column, unsigned code_point, std::size_t count) {
+  char shown[32];
+  if (code_point == 0) {
+    std::snprintf(shown, sizeof shown, "a character beyond U+FFFF");
+  } else {
+    std::snprintf(shown, sizeof shown, "U+%04X", code_point);
+  }
+  std::string as_exported = shown;
+  if (count > 1) as_exported += " and " + std::to_string(count - 1) + " more";
+  Report({FileOf(line.file), "column " + std::to_string(column), RecordOf(line.file, line.number),
+          "character not held", as_exported, count > 1 ? "? each" : "?"});
 }
 
 void WatchReadLosses(std::vector<LossEntry>* entries) { g_watch = entries; }

@@ -5,7 +5,9 @@
 //   - "extra fields": the line has cells after the last field its job reads
 //     (a tab inside a quoted text gives one more);
 //   - "line read in pieces": the line is longer than its job reads at once,
-//     and each piece went through the job as a line of its own.
+//     and each piece went through the job as a line of its own;
+//   - "character not held": a Unicode file's character that latin1 cannot
+//     hold was read as '?'.
 // The reading itself never changes; these only add entries to the report
 // (util/loss_report.h), each naming the file and line ("FILE line N").
 //
@@ -56,6 +58,11 @@ void ReportExtraFields(InputLine& line, std::string_view text, std::size_t unrea
 // end, was read as `pieces` lines of at most `piece_size` characters.
 void ReportLineInPieces(const char* file, long long number, unsigned long long length, long long pieces,
                         std::size_t piece_size);
+
+// Reports that `count` characters of the current line, the first in
+// `column` with the code point `code_point` (0: beyond U+FFFF), came out as
+// '?' because latin1, the database's character set, cannot hold them.
+void ReportCharactersNotHeld(const InputLine& line, int column, unsigned code_point, std::size_t count);
 
 // For tests: while `entries` is not null, every entry reported here is also
 // added to it.

@@ -129,4 +129,37 @@ TEST(ReadLossesTest, OnceForTheLineAndNamesItsRecord) {
   EXPECT_EQ(ReportedFileName("BandSightings/BandSightings.txt"), "BandSightings/BandSightings.txt");
 }
 
+// A Unicode file's characters that latin1 cannot hold are read as '?', as
+// before; the report names the line, the cell and the first character.
+TEST(ReadLossesTest, CharactersLatin1CannotHold) {
+  std::string dir = MakeTempDir();
+  std::string utf16 = "\xFF\xFE";
+  std::u16string text = u"h\r\nA\tcaf\u00e9\r\nB\t\u4e2d\u6587\r\nC\t\xd83d\xde00\r\n";
+  // Past the reader's first blocks of text, where the offsets add up.
+  for (int i = 0; i < 1000; ++i) text += std::u16string(100, u'x') + u"\r\n";
+  text += u"D\tE\t\u0100\r\n";
+  for (char16_t unit : text) {
+    utf16 += static_cast<char>(unit & 0xFF);
+    utf16 += static_cast<char>(unit >> 8);
+  }
+  WriteFile(dir + "/in.txt", utf16);
+  std::vector<LossEntry> entries;
+  WatchReadLosses(&entries);
+  std::vector<std::string> lines;
+  {
+    LineReader reader((dir + "/in.txt").c_str(), 200);
+    std::string text;
+    while (reader.ReadLine(text)) lines.push_back(text);
+  }
+  WatchReadLosses(nullptr);
+  lines.resize(4);
+  EXPECT_EQ(lines, (std::vector<std::string>{"h\n", "A\tcaf\xe9\n", "B\t??\n", "C\t?\n"}));
+  ASSERT_EQ(entries.size(), 3u);
+  EXPECT_EQ(entries[2].column + " " + entries[2].record + " " + entries[2].as_exported,
+            "column 3 " + dir + "/in.txt line 1005 U+0100");
+  EXPECT_EQ(Show(entries[0]), dir + "/in.txt|column 2|" + dir + "/in.txt line 3|character not held|U+4E2D and 1 more|? each");
+  EXPECT_EQ(Show(entries[1]),
+            dir + "/in.txt|column 2|" + dir + "/in.txt line 4|character not held|a character beyond U+FFFF|?");
+}
+
 }  // namespace
