@@ -1,6 +1,7 @@
 #include "util/read_losses.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <utility>
 
@@ -155,6 +156,21 @@ void ReportCharactersNotHeld(const InputLine& line, int column, unsigned code_po
   if (count > 1) as_exported += " and " + std::to_string(count - 1) + " more";
   Report({FileOf(line.file), "column " + std::to_string(column), RecordOf(line.file, line.number),
           "character not held", as_exported, count > 1 ? "? each" : "?"});
+}
+
+ExportRows::ExportRows(const char* file)
+    : record_(std::string(ReportedFileName(file != nullptr ? file : "")) + " row "), prefix_(record_.size()) {}
+
+ExportRows::~ExportRows() {
+  if (record_.size() > prefix_ && LossRecord() == record_) SetLossRecord("");
+}
+
+void ExportRows::Name(long long row) {
+  char digits[24];
+  auto [end, error] = std::to_chars(digits, digits + sizeof digits, row);
+  record_.resize(prefix_);
+  record_.append(digits, end);
+  SetLossRecord(record_);
 }
 
 void WatchReadLosses(std::vector<LossEntry>* entries) { g_watch = entries; }

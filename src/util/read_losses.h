@@ -64,6 +64,24 @@ void ReportLineInPieces(const char* file, long long number, unsigned long long l
 // '?' because latin1, the database's character set, cannot hold them.
 void ReportCharactersNotHeld(const InputLine& line, int column, unsigned code_point, std::size_t count);
 
+// Names the rows of an XML export as the records of the loss report while a
+// job walks them ("FILE row N", rows counted from 1), and forgets the name
+// when it goes away. No allocation per row.
+class ExportRows {
+ public:
+  explicit ExportRows(const char* file);
+  ~ExportRows();
+  ExportRows(const ExportRows&) = delete;
+  ExportRows& operator=(const ExportRows&) = delete;
+
+  // Makes row `row` the record entries belong to.
+  void Name(long long row);
+
+ private:
+  std::string record_;
+  std::size_t prefix_;  // the length of "FILE row "
+};
+
 // For tests: while `entries` is not null, every entry reported here is also
 // added to it.
 void WatchReadLosses(std::vector<LossEntry>* entries);

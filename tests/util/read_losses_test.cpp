@@ -124,6 +124,13 @@ TEST(ReadLossesTest, OnceForTheLineAndNamesItsRecord) {
   EXPECT_EQ(entries[1].as_exported, "[c\"][d]");
   EXPECT_EQ(entries[1].as_stored, "not read");
 
+  {
+    ExportRows rows("./Animals.xml");
+    rows.Name(3);
+    EXPECT_EQ(LossRecord(), "Animals.xml row 3");
+  }
+  EXPECT_EQ(LossRecord(), "");
+
   EXPECT_EQ(ReportedFileName("./GLFH_Patients.txt"), "GLFH_Patients.txt");
   EXPECT_EQ(ReportedFileName(".\\UPRC 2012.txt"), "UPRC 2012.txt");
   EXPECT_EQ(ReportedFileName("BandSightings/BandSightings.txt"), "BandSightings/BandSightings.txt");
@@ -134,11 +141,11 @@ TEST(ReadLossesTest, OnceForTheLineAndNamesItsRecord) {
 TEST(ReadLossesTest, CharactersLatin1CannotHold) {
   std::string dir = MakeTempDir();
   std::string utf16 = "\xFF\xFE";
-  std::u16string text = u"h\r\nA\tcaf\u00e9\r\nB\t\u4e2d\u6587\r\nC\t\xd83d\xde00\r\n";
+  std::u16string content = u"h\r\nA\tcaf\u00e9\r\nB\t\u4e2d\u6587\r\nC\t\xd83d\xde00\r\n";
   // Past the reader's first blocks of text, where the offsets add up.
-  for (int i = 0; i < 1000; ++i) text += std::u16string(100, u'x') + u"\r\n";
-  text += u"D\tE\t\u0100\r\n";
-  for (char16_t unit : text) {
+  for (int i = 0; i < 1000; ++i) content += std::u16string(100, u'x') + u"\r\n";
+  content += u"D\tE\t\u0100\r\n";
+  for (char16_t unit : content) {
     utf16 += static_cast<char>(unit & 0xFF);
     utf16 += static_cast<char>(unit >> 8);
   }
