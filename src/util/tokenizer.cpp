@@ -5,13 +5,15 @@
 
 char* Tokenizer::Next(const char* separators) {
   std::size_t start = buffer_.find_first_not_of(separators, position_);
-  if (input_ != nullptr) Taking(separators);
+  taken_ = true;
   if (start == std::string::npos || start >= buffer_.size()) {
     position_ = buffer_.size();
     return nullptr;
   }
   std::size_t end = buffer_.find_first_of(separators, start);
-  if (input_ != nullptr) NoteField(start, end == std::string::npos ? buffer_.size() : end);
+  if (input_ != nullptr && (start > position_ || skipped_tab_)) {
+    NoteField(start, end == std::string::npos ? buffer_.size() : end);
+  }
   if (end == std::string::npos) {
     position_ = buffer_.size();
   } else {
@@ -22,7 +24,7 @@ char* Tokenizer::Next(const char* separators) {
 }
 
 char* Tokenizer::NextField(const char* separators) {
-  if (input_ != nullptr) Taking(separators);
+  taken_ = true;
   if (ended_) return nullptr;
   std::size_t start = position_;
   std::size_t end = buffer_.find_first_of(separators, start);
@@ -43,11 +45,6 @@ char* Tokenizer::Rest() {
   return rest;
 }
 
-void Tokenizer::Taking(const char* separators) {
-  taken_ = true;
-  cells_ = std::strchr(separators, '\t') != nullptr;
-}
-
 void Tokenizer::NoteField(std::size_t start, std::size_t end) {
   // The separator that ended the previous field is behind `position_`, so
   // any tab passed over here stood alone in a cell of its own: empty. It
@@ -65,9 +62,11 @@ void Tokenizer::ReportReading() {
   // current line is still as it was read.
   if (InputLineOf(line_) != input_ || input_->number != line_number_) return;
   if (shifted_) ReportEmptyCells(*input_, line_, last_start_);
-  // Only cells end at tabs: what a space-separated reading leaves (the
-  // program's own temporary file) is no field of the export.
-  if (!ended_ && cells_) ReportExtraFields(*input_, line_, position_);
+  // Only cells end at tabs: what a reading by other separators leaves (the
+  // program's own space-separated temporary file) is no field of the export.
+  if (!ended_ && position_ > 0 && position_ < line_.size() && line_[position_ - 1] == '\t') {
+    ReportExtraFields(*input_, line_, position_);
+  }
 }
 
 int TakeFields(Tokenizer& tokenizer, char** fields, int count, const char* separators,

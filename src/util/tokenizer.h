@@ -40,7 +40,6 @@ class Tokenizer {
   char* Rest();
 
  private:
-  void Taking(const char* separators);
   void NoteField(std::size_t start, std::size_t end);
   void ReportReading();
 
@@ -53,7 +52,6 @@ class Tokenizer {
   std::string_view line_;       // the line as read, to report from
   long long line_number_;       // its number in its file
   bool taken_ = false;          // a field was asked for
-  bool cells_ = false;          // the last field asked for could end at a tab
   bool skipped_tab_ = false;    // Next() passed over an empty cell
   bool shifted_ = false;        // and a field with a value came after it
   std::size_t last_start_ = 0;  // where the last such field starts
