@@ -10,6 +10,9 @@
 namespace {
 
 constexpr std::size_t kRawSize = 64 * 1024;
+// A file of text in another alphabet would otherwise keep a record of every
+// character; past this many, only the count grows.
+constexpr std::size_t kMaxReplacementsKept = 100000;
 
 }  // namespace
 
@@ -89,7 +92,11 @@ void TextSource::DetectMark() {
 std::size_t TextSource::Read(char* out, std::size_t size) {
   if (file_ == nullptr || size == 0) return 0;
   if (!mark_checked_) DetectMark();
-  if (encoding_ != Encoding::kBytes) return DecodeUtf16(out, size);
+  if (encoding_ != Encoding::kBytes) {
+    std::size_t count = DecodeUtf16(out, size);
+    handed_out_ += count;
+    return count;
+  }
 
   // The bytes read with the mark first, then the file itself.
   std::size_t count = 0;
@@ -121,6 +128,9 @@ std::size_t TextSource::DecodeUtf16(char* out, std::size_t size) {
     if (value <= 0xFF) {
       out[count++] = static_cast<char>(value);
     } else {
+      if (replacements_.size() < kMaxReplacementsKept) {
+        replacements_.push_back({handed_out_ + count, value >= 0xD800 && value <= 0xDBFF ? 0u : value});
+      }
       out[count++] = '?';
       ++replaced_;
     }

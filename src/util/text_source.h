@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
 class TextSource {
  public:
@@ -46,6 +47,17 @@ class TextSource {
   // Reads the rest of the file and returns how many bytes of text it held.
   unsigned long long CountRest();
 
+  // A character latin1 cannot hold, which came out as '?': where it stands
+  // in the text Read() hands out (counted from 0) and its code point (0 for
+  // one beyond U+FFFF, written as two UTF-16 units).
+  struct Replacement {
+    unsigned long long offset;
+    unsigned code_point;
+  };
+  // Every such character so far, in order (empty for a file of bytes; at
+  // most the first 100,000 of them).
+  const std::vector<Replacement>& replacements() const { return replacements_; }
+
   // Bytes of the file consumed so far, and its size (0 when unknown, as for
   // a pipe): how far a job has got through its input.
   unsigned long long position() const { return position_; }
@@ -75,6 +87,8 @@ class TextSource {
   std::size_t raw_begin_ = 0;
   std::size_t raw_end_ = 0;
   unsigned long long replaced_ = 0;  // characters latin1 cannot hold
+  std::vector<Replacement> replacements_;
+  unsigned long long handed_out_ = 0;  // characters of text Read() returned before this call
 
   // Bytes of undecoded text that form UTF-8 sequences, and none that do not.
   unsigned long long utf8_sequences_ = 0;

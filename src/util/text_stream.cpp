@@ -22,11 +22,13 @@ void TextStream::OpenStream(std::FILE* stream, const char* name) {
 
 bool TextStream::Fill() {
   if (at_end_ || block_ == nullptr) return false;
+  const std::size_t previous = cursor_ != nullptr ? static_cast<std::size_t>(limit_ - block_.get()) : 0;
   std::size_t count = source_.Read(block_.get(), kBlockSize);
   if (count == 0) {
     at_end_ = true;
     return false;
   }
+  block_offset_ += previous;
   cursor_ = block_.get();
   limit_ = cursor_ + count;
   return true;

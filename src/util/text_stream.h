@@ -9,6 +9,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <vector>
 
 #include "util/text_source.h"
 
@@ -44,6 +45,14 @@ class TextStream {
     return !source_.unreadable();
   }
 
+  // Where the next character stands in the file's text, counted from 0 (a
+  // CR LF counts two), as TextSource::Replacement::offset counts.
+  unsigned long long offset() const {
+    return cursor_ == nullptr ? 0 : block_offset_ + static_cast<unsigned long long>(cursor_ - block_.get());
+  }
+  // The characters that came out as '?' (see TextSource::replacements()).
+  const std::vector<TextSource::Replacement>& replacements() const { return source_.replacements(); }
+
   // The next character (0 to 255), or kEnd.
   int Next() {
     if (cursor_ == limit_ && !Fill()) return kEnd;
@@ -73,5 +82,6 @@ class TextStream {
   std::unique_ptr<char[]> block_;
   const char* cursor_ = nullptr;
   const char* limit_ = nullptr;
+  unsigned long long block_offset_ = 0;  // where block_[0] stands in the text
   bool at_end_ = false;
 };

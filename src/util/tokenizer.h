@@ -4,16 +4,29 @@
 //   Next()      - a run of separators counts as one, so an empty cell vanishes
 //                 and the later fields move forward (the classic tokenizer);
 //   NextField() - every separator ends a field, so empty cells stay.
+// A tokenizer of the line a LineReader has just handed out reports, when it
+// is destroyed, the empty cells Next() passed over before a field and the
+// cells left after the last field taken (util/read_losses.h); the fields
+// themselves are the same.
 #pragma once
 
 #include <string>
 #include <string_view>
 
+#include "util/read_losses.h"
+
 class Tokenizer {
  public:
   // Works on its own copy of `line`; the returned fields live as long as the
   // tokenizer and may be changed in place (trimmed, quotes stripped).
-  explicit Tokenizer(std::string_view line) : buffer_(line), position_(0) {}
+  explicit Tokenizer(std::string_view line)
+      : buffer_(line), position_(0), input_(InputLineOf(line)), line_(input_ != nullptr ? line : std::string_view()),
+        line_number_(input_ != nullptr ? input_->number : 0) {}
+  ~Tokenizer() {
+    if (input_ != nullptr && taken_) ReportReading();
+  }
+  Tokenizer(const Tokenizer&) = delete;
+  Tokenizer& operator=(const Tokenizer&) = delete;
 
   // Skips leading separators and returns the field up to the next separator
   // (which is consumed), or nullptr when only separators are left.
@@ -27,9 +40,21 @@ class Tokenizer {
   char* Rest();
 
  private:
+  void NoteField(std::size_t start, std::size_t end);
+  void ReportReading();
+
   std::string buffer_;
   std::size_t position_;  // first byte not yet handed out
   bool ended_ = false;    // NextField has handed out the last field
+
+  // Only for a tokenizer of the current input line (otherwise null/empty):
+  InputLine* input_;
+  std::string_view line_;       // the line as read, to report from
+  long long line_number_;       // its number in its file
+  bool taken_ = false;          // a field was asked for
+  bool skipped_tab_ = false;    // Next() passed over an empty cell
+  bool shifted_ = false;        // and a field with a value came after it
+  std::size_t last_start_ = 0;  // where the last such field starts
 };
 
 // Takes up to `count` fields with Next(): all but the last end at any byte of

@@ -12,6 +12,7 @@
 #include "store/patient_store.h"
 #include "store/record_entry_store.h"
 #include "util/progress.h"
+#include "util/read_losses.h"
 #include "util/strings.h"
 
 namespace {
@@ -177,10 +178,14 @@ bool ImportVitalStatsRow(const XmlNode* row, PatientFinder& patients, Counts& co
 }
 
 template <typename ImportRow>
-bool ImportRows(const XmlDocument& table, PatientFinder& patients, Counts& counts, ImportRow import_row) {
+bool ImportRows(const XmlDocument& table, const char* file, PatientFinder& patients, Counts& counts,
+                ImportRow import_row) {
   ProgressLoop progress("Importing the measurements", ExportRowCount(table));
+  ExportRows rows(file);
+  long long row_number = 0;
   for (const XmlNode* row = FirstExportRow(table); row != nullptr; row = XmlNextSibling(row)) {
     progress.Step();
+    rows.Name(++row_number);
     if (!import_row(row, patients, counts)) return false;
   }
   return true;
@@ -242,13 +247,13 @@ int ImportCsaqFfBiometrics() {
   if (!HavePatients()) return 1;
   PatientFinder patients;
   Counts turtles;
-  if (!ImportRows(table, patients, turtles, ImportTurtleRow)) return 1;
+  if (!ImportRows(table, kTurtleLogFile, patients, turtles, ImportTurtleRow)) return 1;
   std::printf("%d errors\n", turtles.errors);
   std::printf("Inserted %d records\n", turtles.inserted);
 
   if (!LoadTable(table, kSnakeTableFile)) return 1;
   Counts snakes;
-  if (!ImportRows(table, patients, snakes, ImportSnakeRow)) return 1;
+  if (!ImportRows(table, kSnakeTableFile, patients, snakes, ImportSnakeRow)) return 1;
   std::printf("%d errors\n", snakes.errors);
   std::printf("Inserted %d records\n", snakes.inserted);
   return 0;
@@ -264,7 +269,7 @@ int ImportCsaqFfVitalStats() {
   if (!HavePatients()) return 1;
   PatientFinder patients;
   Counts vitals;
-  if (!ImportRows(husbandry, patients, vitals, ImportVitalStatsRow)) return 1;
+  if (!ImportRows(husbandry, kFfHusbandryFile, patients, vitals, ImportVitalStatsRow)) return 1;
   std::printf("%d errors\n", vitals.errors);
   std::printf("Inserted %d vital records records\n", vitals.inserted);
   return 0;

@@ -10,6 +10,7 @@
 #include "store/measurement_store.h"
 #include "store/record_entry_store.h"
 #include "util/progress.h"
+#include "util/read_losses.h"
 #include "util/strings.h"
 
 namespace {
@@ -137,16 +138,22 @@ void ImportMedicalRecord(const XmlNode* row, const char* tag, CollectionAnimalTa
 
 void CSAQ_LoadVitalStats(const XmlDocument& husbandry, CollectionAnimalTable& animals) {
   ProgressLoop progress("Importing the vital statistics", ExportRowCount(husbandry));
+  ExportRows rows(kFfHusbandryFile);
+  long long row_number = 0;
   for (const XmlNode* row = FirstExportRow(husbandry); row != nullptr; row = XmlNextSibling(row)) {
     progress.Step();
+    rows.Name(++row_number);
     if (const char* tag = TagOfType(row, "Vital Stats")) ImportVitalStats(row, tag, animals);
   }
 }
 
 void CSAQ_LoadMedicalRecords(const XmlDocument& husbandry, CollectionAnimalTable& animals) {
   ProgressLoop progress("Importing the medical records", ExportRowCount(husbandry));
+  ExportRows rows(kFfHusbandryFile);
+  long long row_number = 0;
   for (const XmlNode* row = FirstExportRow(husbandry); row != nullptr; row = XmlNextSibling(row)) {
     progress.Step();
+    rows.Name(++row_number);
     if (const char* tag = TagOfType(row, "Medical")) ImportMedicalRecord(row, tag, animals);
   }
 }

@@ -10,6 +10,7 @@
 #include "store/record_entry_store.h"
 #include "util/dates.h"
 #include "util/progress.h"
+#include "util/read_losses.h"
 #include "util/strings.h"
 
 namespace {
@@ -212,8 +213,11 @@ int ImportCsaqFfRehab() {
   }
   RehabCounts counts;
   ProgressLoop progress("Importing the rehabilitation cases", ExportRowCount(cases));
+  ExportRows rows(kRehabFile);
+  long long row_number = 0;
   for (const XmlNode* row = FirstExportRow(cases); row != nullptr; row = XmlNextSibling(row)) {
     progress.Step();
+    rows.Name(++row_number);
     ImportCase(row, counts);
   }
   std::printf("Parsed %d records\n", counts.parsed);

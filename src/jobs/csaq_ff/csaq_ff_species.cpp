@@ -11,6 +11,7 @@
 #include "store/connection.h"
 #include "util/pointer_list.h"
 #include "util/progress.h"
+#include "util/read_losses.h"
 #include "util/strings.h"
 
 namespace {
@@ -220,8 +221,11 @@ int ImportCsaqFfSpecies() {
   TaxonomySets sets;
   int inserted = 0;
   ProgressLoop progress("Importing the species", ExportRowCount(scientific_names));
+  ExportRows rows(kScientificNamesFile);
+  long long row_number = 0;
   for (const XmlNode* row = FirstExportRow(scientific_names); row != nullptr; row = XmlNextSibling(row)) {
     progress.Step();
+    rows.Name(++row_number);
     SpeciesRecord species{};
     std::string common_name = ReadSpeciesFields(row, species, sets);
     species.hms = IsHighlyMigratorySpecies(common_name.c_str()) ? 'Y' : 'N';

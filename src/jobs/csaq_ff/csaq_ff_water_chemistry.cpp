@@ -10,6 +10,7 @@
 #include "store/reference_store.h"
 #include "util/dates.h"
 #include "util/progress.h"
+#include "util/read_losses.h"
 
 namespace {
 
@@ -156,8 +157,11 @@ int ImportCsaqFfWaterChemistry() {
   int errors = 0;
   int inserted = 0;
   ProgressLoop progress("Importing the water tests", ExportRowCount(tests));
+  ExportRows rows(kWaterChemFile);
+  long long row_number = 0;
   for (const XmlNode* row = FirstExportRow(tests); row != nullptr; row = XmlNextSibling(row)) {
     progress.Step();
+    rows.Name(++row_number);
     WaterQualityRecord reading{};
     const char* id = TestHabitatId(row);
     if (id == nullptr) continue;

@@ -243,7 +243,7 @@ bool WriteCensusCounts(ZooImport& job) {
     std::printf("Unable to parse census count file '%s'\n", kCensusFile);
     return false;
   }
-  int visited = VisitRecords(job, [&](const XmlNode* record) { WriteCensusCount(job, record); });
+  int visited = VisitRecords(job, kCensusFile, [&](const XmlNode* record) { WriteCensusCount(job, record); });
   std::printf("Processed %d census reccords\n", visited);
   return true;
 }

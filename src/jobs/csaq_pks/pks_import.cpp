@@ -218,7 +218,8 @@ bool LoadAnimals(ZooImport& job) {
     std::printf("\tERROR: Unable to parse animal file '%s'\n", kAnimalsFile);
     return false;
   }
-  int visited = VisitRecords(job, [&](const XmlNode* record) { ImportAnimal(job, record, group_file.get()); });
+  int visited =
+      VisitRecords(job, kAnimalsFile, [&](const XmlNode* record) { ImportAnimal(job, record, group_file.get()); });
   std::printf("Processed %d animals\n", visited);
   // Only the animal pass reads first counts; the census counts pass reads
   // the file again.

@@ -13,6 +13,7 @@
 #include "store/case_numbers.h"
 #include "store/record_entry_store.h"
 #include "util/progress.h"
+#include "util/read_losses.h"
 #include "xml/xml_document.h"
 
 // The export's files, as the job's messages name them.
@@ -53,14 +54,17 @@ inline long long RecordCount(const XmlDocument& document) { return XmlChildCount
 // the first element under the root.
 const XmlNode* FirstRecord(const XmlDocument& document);
 
-// Hands every record of the file the pass loaded into `job.work` to `visit`,
-// with the pass's progress line; returns how many records it visited.
+// Hands every record of the file the pass loaded into `job.work` (`file`,
+// which names the record of the loss report) to `visit`, with the pass's
+// progress line; returns how many records it visited.
 template <typename Visit>
-int VisitRecords(ZooImport& job, Visit visit) {
+int VisitRecords(ZooImport& job, const char* file, Visit visit) {
   int visited = 0;
   ProgressLoop progress(job.pass.c_str(), static_cast<unsigned long long>(RecordCount(job.work)));
+  ExportRows rows(file);
   for (const XmlNode* record = FirstRecord(job.work); record != nullptr; record = XmlNextSibling(record)) {
     progress.Step();
+    rows.Name(visited + 1);
     visit(record);
     ++visited;
   }

@@ -169,7 +169,7 @@ bool WriteMeasurements(ZooImport& job) {
     std::printf("Unable to parse measurements file '%s'\n", kMeasurementsFile);
     return false;
   }
-  int visited = VisitRecords(job, [&](const XmlNode* record) { WriteMeasurement(job, record); });
+  int visited = VisitRecords(job, kMeasurementsFile, [&](const XmlNode* record) { WriteMeasurement(job, record); });
   std::printf("Processed %d measurements\n", visited);
   return true;
 }
@@ -187,7 +187,7 @@ bool WriteMoves(ZooImport& job) {
     std::printf("\tERROR: Out of memory\n");
     return false;
   }
-  int visited = VisitRecords(job, [&](const XmlNode* record) { WriteMove(job, locations, record); });
+  int visited = VisitRecords(job, kMovesFile, [&](const XmlNode* record) { WriteMove(job, locations, record); });
   std::printf("Processed %d moves\n", visited);
   return true;
 }

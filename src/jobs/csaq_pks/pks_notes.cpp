@@ -311,7 +311,7 @@ bool ReadNotes(ZooImport& job, const char* title, Visit visit) {
     std::printf("Unable to parse notes file '%s'\n", kNotesFile);
     return false;
   }
-  int visited = VisitRecords(job, [&](const XmlNode* record) { visit(job, record); });
+  int visited = VisitRecords(job, kNotesFile, [&](const XmlNode* record) { visit(job, record); });
   std::printf("Processed %d notes\n", visited);
   return true;
 }

@@ -211,7 +211,7 @@ bool ApplyTransactions(ZooImport& job) {
     std::printf("Unable to parse transactions file '%s'\n", kTransactionsFile);
     return false;
   }
-  int visited = VisitRecords(job, [&](const XmlNode* record) { ApplyTransaction(job, record); });
+  int visited = VisitRecords(job, kTransactionsFile, [&](const XmlNode* record) { ApplyTransaction(job, record); });
   std::printf("Processed %d transactions\n", visited);
   return true;
 }
@@ -228,7 +228,7 @@ bool ApplyIdentifiers(ZooImport& job) {
     std::printf("Unable to parse identifiers file '%s'\n", kIdentifiersFile);
     return false;
   }
-  int visited = VisitRecords(job, [&](const XmlNode* record) { ApplyIdentifier(job, record); });
+  int visited = VisitRecords(job, kIdentifiersFile, [&](const XmlNode* record) { ApplyIdentifier(job, record); });
   std::printf("Processed %d identifiers\n", visited);
   return true;
 }
