@@ -81,6 +81,7 @@ struct Queued {
   std::uint32_t shape = 0;
   MYSQL_RES* cached = nullptr;  // a read answered from an earlier one: not sent
   std::size_t writes_before = 0;  // writes queued before it
+  std::size_t record = 0;  // the loss report's record when it was queued (Batching::records)
 };
 
 // A read's result kept for the rest of the run, and when it was read: the
@@ -101,6 +102,7 @@ struct Batching {
   bool on = false;
   std::string text;  // the batch's statements, separated by ';'
   std::vector<Queued> queued;
+  std::vector<std::string> records;  // the loss report's records of the batch, each once
   std::unordered_map<std::string, TablePrediction> tables;
   long long increment = 1;  // the server's auto_increment_increment
   std::size_t max_bytes = 1 << 20;
@@ -275,8 +277,8 @@ void Flush();
 
 // The server's warnings for a batched write (SHOW WARNINGS rows: level,
 // code, message): the loss report takes them.
-void HeardWarnings(std::string_view statement, SqlResult& warnings) {
-  ReportServerWarnings(std::string(statement), warnings);
+void HeardWarnings(std::string_view statement, SqlResult& warnings, const std::string& record) {
+  ReportServerWarnings(std::string(statement), warnings, &record);
 }
 
 // Sends the prepared statement of the job, past the run's guards: inside the
@@ -354,6 +356,7 @@ bool IsPlainInsert(const StatementParts& parts, std::string_view statement) {
 void ForgetBatch() {
   g_batch.text.clear();
   g_batch.queued.clear();
+  g_batch.records.clear();
   for (auto& [name, table] : g_batch.tables) table.next = table.confirmed;
 }
 
@@ -425,7 +428,7 @@ void Confirm(const Queued& queued, Answer& answer) {
   if (queued.writes && g_observer != nullptr) g_observer->AfterWrite(queued.parts, answer.affected, answer.insert_id);
   if (answer.warning_count > 0 && answer.warnings != nullptr) {
     SqlResult warnings(answer.warnings, false);
-    HeardWarnings(text, warnings);
+    HeardWarnings(text, warnings, g_batch.records[queued.record]);
   }
   if (queued.parts.verb == "insert" || queued.parts.verb == "replace") {
     TablePrediction& table = g_batch.tables[queued.parts.table];
@@ -549,6 +552,7 @@ void Flush() {
   }
   g_batch.text.clear();
   g_batch.queued.clear();
+  g_batch.records.clear();
   // Everything printed so far follows statements the server has confirmed.
   ReleaseLog();
   g_batch.shown_upto = g_batch.shapes.size();
@@ -638,6 +642,8 @@ int SendBatched(const StatementParts& parts, bool writes) {
   std::string_view text = BatchText(g_statement);
   queued.shape = ShapeOf(text);
   queued.writes_before = g_batch.writes;
+  if (g_batch.records.empty() || g_batch.records.back() != LossRecord()) g_batch.records.push_back(LossRecord());
+  queued.record = g_batch.records.size() - 1;
   if (writes) {
     ++g_batch.writes;
     g_batch.last_write[parts.table] = g_batch.writes;

@@ -127,9 +127,11 @@ unsigned EmptyValuesWarned(const std::string& statement, const std::unordered_se
 
 }  // namespace
 
-void ReportServerWarnings(const std::string& statement, SqlResult& warnings) {
+void ReportServerWarnings(const std::string& statement, SqlResult& warnings, const std::string* record_when_sent) {
   std::string table = SplitStatement(statement).table;
-  std::string record = RecordOfStatement(statement);
+  std::string record = record_when_sent == nullptr  ? RecordOfStatement(statement)
+                       : record_when_sent->empty() ? RecordInStatement(statement)
+                                                   : *record_when_sent;
   while (MYSQL_ROW row = warnings.NextRow()) {
     if (warnings.FieldCount() < 3) return;
     std::string_view level = warnings.ColumnBytes(row, 0);

@@ -13,7 +13,10 @@
 // the write `statement`. Notes are skipped; a warning that names no column
 // is reported with its message as what happened. For a statement that
 // writes several rows, the row a warning names picks the value.
-void ReportServerWarnings(const std::string& statement, SqlResult& warnings);
+// `record_when_sent`: the run's record (LossRecord()) when the statement was
+// formatted, for warnings heard later (a batch); nullptr: the current one.
+void ReportServerWarnings(const std::string& statement, SqlResult& warnings,
+                          const std::string* record_when_sent = nullptr);
 
 // After the write `statement` succeeded with `warning_count` warnings: asks
 // for them (one round trip, outside the run's statement counts) and reports

@@ -38,6 +38,10 @@ bool WrittenTwice(const std::vector<FormattedValue>& values, const FormattedValu
 
 std::string RecordOfStatement(const std::string& statement) {
   if (!LossRecord().empty()) return LossRecord();
+  return RecordInStatement(statement);
+}
+
+std::string RecordInStatement(const std::string& statement) {
   std::string case_number;
   if (ValueOfColumn(statement, "patient_id", 0, case_number)) return case_number;
   // The finder's statements name the patient in their condition.

@@ -22,6 +22,8 @@ struct FormattedValue {
 // The record an entry of `statement` belongs to: the run's LossRecord(),
 // else the case number the statement writes or names in its condition (its
 // patient_id), else "".
+// The case number a statement names (its patient_id value or condition), or "".
+std::string RecordInStatement(const std::string& statement);
 std::string RecordOfStatement(const std::string& statement);
 
 // Reports the cut texts among `values` and claims the waiting reads they

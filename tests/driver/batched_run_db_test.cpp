@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 #include <mysql.h>
 
+#include <algorithm>
 #include <atomic>
+#include <filesystem>
 #include <ctime>
 #include <regex>
 #include <string>
@@ -38,6 +40,17 @@ double Seconds(const ProgramRun& run) {
 long Statements(const ProgramRun& run) {
   std::size_t at = run.summary.find("Statements: ");
   return at == std::string::npos ? 0 : std::stol(run.summary.substr(at + 12));
+}
+
+// The loss report of the last run in `dir` ("" when it kept none).
+std::string LastLossReport(const std::string& dir) {
+  std::vector<std::string> reports;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(dir + "/CorvanaDataImporter-journal", error)) {
+    if (entry.path().string().ends_with(".losses.tsv")) reports.push_back(entry.path().string());
+  }
+  std::sort(reports.begin(), reports.end());
+  return reports.empty() ? "" : ReadFile(reports.back());
 }
 
 class BatchedRunTest : public DatabaseTest {
@@ -90,6 +103,7 @@ TEST_P(BatchedSampleTest, AtomicRunWritesAndLogsWhatAPlainRunDoes) {
   ProgramRun plain = RunSample(job, job.args);
   ASSERT_EQ(plain.exit_code, 0) << plain.errors;
   const std::string plain_rows = AllRows();
+  const std::string plain_losses = LastLossReport(dir_);
 
   EmptyAllTables();
   for (const std::string& seed : job.seed_sql) Exec(ReadFile(dir_ + "/" + seed));
@@ -100,6 +114,7 @@ TEST_P(BatchedSampleTest, AtomicRunWritesAndLogsWhatAPlainRunDoes) {
   ASSERT_EQ(atomic.exit_code, 0) << atomic.errors;
   EXPECT_EQ(Log(atomic), Log(plain));
   EXPECT_EQ(AllRows(), plain_rows);
+  EXPECT_EQ(LastLossReport(dir_), plain_losses);
   EXPECT_EQ(atomic.summary.substr(0, atomic.summary.find("Wall time")),
             plain.summary.substr(0, plain.summary.find("Wall time")));
 }

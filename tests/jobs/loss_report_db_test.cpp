@@ -92,11 +92,11 @@ TEST_F(LossReportRunTest, KwrcLine) {
                 cause + "\r\n");
   Report report = Run(dir, {"-org", "KWRC", "-type", "patient", "-year", "2012"});
   EXPECT_EQ(report.run.exit_code, 0);
-  EXPECT_EQ(Entry(report, "patient", "injury_cause", cause, "12099"),
+  EXPECT_EQ(Entry(report, "patient", "injury_cause", cause, "KWRC_2012.txt line 2"),
             "patient|injury_cause|<record>|cut|" + cause + "|" + cause.substr(0, 31));
-  EXPECT_EQ(Entry(report, "patient", "admission_date", "3/2/12", "12099"),
+  EXPECT_EQ(Entry(report, "patient", "admission_date", "3/2/12", "KWRC_2012.txt line 2"),
             "patient|admission_date|<record>|two-digit year|3/2/12|2012-03-02");
-  EXPECT_EQ(Entry(report, "patient", "final_date", "2012-02-30", "12099"),
+  EXPECT_EQ(Entry(report, "patient", "final_date", "2012-02-30", "KWRC_2012.txt line 2"),
             "patient|final_date|<record>|not a date|2012-02-30|0000-00-00");
   EXPECT_EQ(Value("select final_date from patient where patient_id like '%12099'"), "0000-00-00");
   EXPECT_NE(report.run.summary.find("\n  patient.injury_cause: 1 cut\n    \"" + cause + "\" -> \""),
