@@ -597,26 +597,17 @@ int Replay(std::string_view statement) {
 bool NamesWord(std::string_view text, std::string_view word) {
   auto part_of_name = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; };
   auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
-  char quote = 0;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    char c = text[at];
-    if (quote != 0) {
-      if (c == '\\') {
-        ++at;
-      } else if (c == quote) {
-        quote = 0;
-      }
+  for (std::size_t at = 0; at < text.size();) {
+    if (text[at] == '\'' || text[at] == '"') {
+      at = SkipQuoted(text, at);
       continue;
     }
-    if (c == '\'' || c == '"') {
-      quote = c;
-      continue;
+    if (at == 0 || !part_of_name(text[at - 1])) {
+      std::size_t i = 0;
+      while (i < word.size() && at + i < text.size() && lower(text[at + i]) == lower(word[i])) ++i;
+      if (i == word.size() && (at + i == text.size() || !part_of_name(text[at + i]))) return true;
     }
-    if (at > 0 && part_of_name(text[at - 1])) continue;
-    if (text.size() - at < word.size()) return false;
-    std::size_t i = 0;
-    while (i < word.size() && lower(text[at + i]) == lower(word[i])) ++i;
-    if (i == word.size() && (at + i == text.size() || !part_of_name(text[at + i]))) return true;
+    ++at;
   }
   return false;
 }

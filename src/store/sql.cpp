@@ -155,16 +155,6 @@ bool FormatSql(std::string& out, std::string& error, const char* statement,
   return true;
 }
 
-namespace {
-
-bool IsWordChar(char c) {
-  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '$' || c == '`' ||
-         static_cast<unsigned char>(c) >= 0x80;
-}
-
-// The index just past the quoted text that starts at `at` (a ', " or `),
-// with backslash escapes and doubled quotes; the end of `text` when it is
-// not closed.
 std::size_t SkipQuoted(std::string_view text, std::size_t at) {
   char quote = text[at];
   for (std::size_t i = at + 1; i < text.size(); ++i) {
@@ -179,6 +169,13 @@ std::size_t SkipQuoted(std::string_view text, std::size_t at) {
     }
   }
   return text.size();
+}
+
+namespace {
+
+bool IsWordChar(char c) {
+  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '$' || c == '`' ||
+         static_cast<unsigned char>(c) >= 0x80;
 }
 
 // The words of `text` outside quotes, with where each starts.

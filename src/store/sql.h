@@ -100,6 +100,11 @@ struct StatementParts {
 
 StatementParts SplitStatement(std::string_view statement);
 
+// The index just past the quoted text that starts at `at` (a ', " or `),
+// with backslash escapes and doubled quotes; the end of `text` when it is
+// not closed.
+std::size_t SkipQuoted(std::string_view text, std::size_t at);
+
 // True when the statement would end an open transaction by itself (DDL, LOCK
 // TABLES, COMMIT, SET autocommit, ...): a dry run or an atomic run refuses it.
 bool CommitsImplicitly(const StatementParts& parts, std::string_view statement);

@@ -3,6 +3,8 @@
 #include <cctype>
 #include <initializer_list>
 
+#include "store/sql.h"
+
 namespace {
 
 using Span = WrittenColumns::Span;
@@ -13,24 +15,6 @@ bool IsNameChar(char c) {
 }
 
 bool IsSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
-
-// Just past the quoted text that starts at `at` (', " or `), with backslash
-// escapes and doubled quotes; the end of `text` when it is not closed.
-std::size_t SkipQuoted(std::string_view text, std::size_t at) {
-  char quote = text[at];
-  for (std::size_t i = at + 1; i < text.size(); ++i) {
-    if (text[i] == '\\' && quote != '`') {
-      ++i;
-    } else if (text[i] == quote) {
-      if (i + 1 < text.size() && text[i + 1] == quote) {
-        ++i;
-      } else {
-        return i + 1;
-      }
-    }
-  }
-  return text.size();
-}
 
 std::size_t SkipSpace(std::string_view text, std::size_t at) {
   while (at < text.size() && IsSpace(text[at])) ++at;
