@@ -128,6 +128,13 @@ struct Batching {
 
 Batching g_batch;
 
+// Frees what the batched run kept (the results of its reads) and forgets it.
+void ReleaseBatch() {
+  for (MYSQL_RES* result : g_batch.results) mysql_free_result(result);
+  g_batch = Batching{};
+}
+
+
 // Passes after which every statement is awaited: a run with many statements
 // the server refuses must never be slower than one sent at a time.
 constexpr int kMaxPasses = 4;
@@ -241,6 +248,7 @@ int SendText(const std::string& sql, bool idempotent, bool counted) {
     g_failure = mysql_error(&g_connection);
     if (g_in_transaction && ConnectionDropped(error) && g_transaction_lost != nullptr) {
       g_in_transaction = false;
+      ReleaseBatch();  // the handler ends the program
       g_transaction_lost(g_failure.c_str());
     }
     bool never_reached = NeverReachedServer(error);
@@ -381,7 +389,7 @@ void ForgetBatch() {
 void DropLostTransaction(unsigned error) {
   if (ConnectionDropped(error) && g_transaction_lost != nullptr) {
     g_in_transaction = false;
-    g_batch.on = false;
+    ReleaseBatch();  // the handler ends the program
     g_transaction_lost(g_failure.c_str());
   }
 }
@@ -469,7 +477,6 @@ void Flush() {
         answer.code = static_cast<int>(mysql_errno(&g_connection));
         answer.message = mysql_error(&g_connection);
         g_failure = answer.message;
-        DropLostTransaction(mysql_errno(&g_connection));
         break;
       }
       answer.result = mysql_store_result(&g_connection);
@@ -478,6 +485,10 @@ void Flush() {
       answer.warning_count = mysql_warning_count(&g_connection);
       status = mysql_next_result(&g_connection);
       if (status < 0) break;
+    }
+    if (answers.back().failed && ConnectionDropped(static_cast<unsigned>(answers.back().code))) {
+      FreeAnswers(answers, 0);  // the handler ends the program
+      DropLostTransaction(static_cast<unsigned>(answers.back().code));
     }
     if (answers.front().failed) {
       std::string why = "the server refused to mark the batch (" + answers.front().message + ")";
@@ -576,7 +587,7 @@ int Replay(std::string_view statement) {
     // mix two runs; nothing of this one is kept.
     ExecuteDirect("ROLLBACK");
     g_in_transaction = false;
-    g_batch.on = false;
+    ReleaseBatch();
     g_failure = "the job did not send the same statements when it went through its work again; rolled back";
     if (g_transaction_lost != nullptr) g_transaction_lost(g_failure.c_str());
     return 1;
@@ -900,8 +911,7 @@ void StopBatching() {
   if (!g_batch.on) return;
   g_batch.on = false;
   mysql_set_server_option(&g_connection, MYSQL_OPTION_MULTI_STATEMENTS_OFF);
-  for (MYSQL_RES* result : g_batch.results) mysql_free_result(result);
-  g_batch = Batching{};
+  ReleaseBatch();
   EndLogHold();
   SetLossQuiet(false);
 }

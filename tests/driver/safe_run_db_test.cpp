@@ -201,7 +201,7 @@ TEST_F(ServerKillTest, AtomicRunLosingItsServerStopsAndLeavesNoRow) {
   pid_t pid = Start(With(kKwrc, "-atomic"));
   WaitForJournalRows(300, 0);
   server_under_test_.Kill();
-  EXPECT_EQ(Wait(pid), 3);  // at once: no waiting for the server
+  EXPECT_EQ(Wait(pid), 3) << ReadFile(dir_ + "/stderr");  // at once: no waiting for the server
   EXPECT_NE(ReadFile(dir_ + "/stderr").find("nothing of this run was written"), std::string::npos)
       << ReadFile(dir_ + "/stderr");
   ASSERT_TRUE(server_under_test_.Start()) << server_under_test_.log();
