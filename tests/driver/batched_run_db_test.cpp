@@ -31,26 +31,20 @@ std::string Log(const ProgramRun& run) {
   return title == std::string::npos ? run.output : run.output.substr(run.output.rfind('\n', title) + 1);
 }
 
-// What the summary says of the run's statements and its wall time.
-double Seconds(const ProgramRun& run) {
-  std::size_t at = run.summary.find("Wall time: ");
-  return at == std::string::npos ? 0 : std::stod(run.summary.substr(at + 11));
-}
-
-long Statements(const ProgramRun& run) {
-  std::size_t at = run.summary.find("Statements: ");
-  return at == std::string::npos ? 0 : std::stol(run.summary.substr(at + 12));
+// The number after `label` in the run's summary ("Statements: ", "Wall time: ").
+double SummaryNumber(const ProgramRun& run, const std::string& label) {
+  std::size_t at = run.summary.find(label);
+  return at == std::string::npos ? 0 : std::stod(run.summary.substr(at + label.size()));
 }
 
 // The loss report of the last run in `dir` ("" when it kept none).
 std::string LastLossReport(const std::string& dir) {
-  std::vector<std::string> reports;
+  std::string last;
   std::error_code error;
   for (const auto& entry : std::filesystem::directory_iterator(dir + "/CorvanaDataImporter-journal", error)) {
-    if (entry.path().string().ends_with(".losses.tsv")) reports.push_back(entry.path().string());
+    if (entry.path().string().ends_with(".losses.tsv")) last = std::max(last, entry.path().string());
   }
-  std::sort(reports.begin(), reports.end());
-  return reports.empty() ? "" : ReadFile(reports.back());
+  return last.empty() ? "" : ReadFile(last);
 }
 
 class BatchedRunTest : public DatabaseTest {
@@ -82,11 +76,26 @@ class BatchedRunTest : public DatabaseTest {
     for (const std::string& table : Rows("show tables")) Exec("truncate table `" + table + "`");
   }
 
-  // Runs `job` on its samples, with what must run before it, and returns the
-  // whole run.
-  ProgramRun RunSample(const SampleJob& job, const Args& args) {
+  // A KWRC year of 400 birds, each with two problems and a release.
+  void KwrcYear() {
+    std::string file = "Case\tSpecies\tAdmitted\tBand\tAge\tSex\tFound\tHistory\tOutcome\tFinal\tPlace\t"
+                       "Summary\tProblems\tCause\r\n";
+    for (int n = 30000; n < 30400; ++n) {
+      file += std::to_string(n) +
+              "\tEUSP\t5/12/2012\tUNK\tAdult\tM\t\"Beihai Park\"\tFound in a park\tRelease\t6/1/2012\t"
+              "\"Beihai Park\"\t\"Rested and flew well\"\t\"Emaciation; Trauma\"\tUnknown\r\n";
+    }
+    WriteFile(dir_ + "/KWRC_2012.txt", file);
+    Exec(ReadFile(std::string(CORVANA_SOURCE_DIR) + "/samples/kwrc/settings.sql"));
+  }
+
+  // Runs `job` on its samples after its seeds and the jobs it needs first;
+  // the job itself through `port` when that is not 0.
+  ProgramRun RunSample(const SampleJob& job, const Args& args, int port = 0) {
     for (const std::string& seed : job.seed_sql) Exec(ReadFile(dir_ + "/" + seed));
+    WriteIni(dir_);
     for (const Args& before : job.before) EXPECT_EQ(RunProgram(dir_, With(before, "-again")).exit_code, 0);
+    if (port != 0) WriteIni(dir_, port);
     return RunProgram(dir_, args);
   }
 
@@ -106,11 +115,8 @@ TEST_P(BatchedSampleTest, AtomicRunWritesAndLogsWhatAPlainRunDoes) {
   const std::string plain_losses = LastLossReport(dir_);
 
   EmptyAllTables();
-  for (const std::string& seed : job.seed_sql) Exec(ReadFile(dir_ + "/" + seed));
-  for (const Args& before : job.before) ASSERT_EQ(RunProgram(dir_, With(before, "-again")).exit_code, 0);
   DelayProxy distant(server_, 3);
-  WriteIni(dir_, distant.port());
-  ProgramRun atomic = RunProgram(dir_, With(With(job.args, "-atomic"), "-again"));
+  ProgramRun atomic = RunSample(job, With(With(job.args, "-atomic"), "-again"), distant.port());
   ASSERT_EQ(atomic.exit_code, 0) << atomic.errors;
   EXPECT_EQ(Log(atomic), Log(plain));
   EXPECT_EQ(AllRows(), plain_rows);
@@ -129,20 +135,15 @@ const SampleJob& Kwrc() { return kSampleJobs[0]; }
 // rows; with many refusals it sends one statement at a time after a few
 // passes, still with the same outcome.
 TEST_F(BatchedRunTest, RefusedStatementsGiveThePlainRunsLogAndRows) {
-  struct Case {
-    const char* refused;  // problems the trigger refuses
-    const char* notice;   // what stderr says
-  };
-  const Case cases[] = {
-      {"description = 'Head trauma'", "pass 2"},
-      {"patient_id % 3 = 0", "now sending one statement at a time"},
-  };
+  // The problems the trigger refuses, and what stderr says then.
+  const std::pair<const char*, const char*> cases[] = {{"description = 'Head trauma'", "pass 2"},
+                                                       {"patient_id % 3 = 0", "now sending one statement at a time"}};
   CopySamples(Kwrc().samples, dir_);
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.refused);
-    Exec("drop trigger if exists refuse_some");
-    Exec(std::string("create trigger refuse_some before insert on problems for each row begin if new.") +
-         c.refused + " then signal sqlstate '45000' set message_text = 'refused by the test'; end if; end");
+  for (const auto& [refused, notice] : cases) {
+    SCOPED_TRACE(refused);
+    Exec(std::string("drop trigger if exists refuse_some; create trigger refuse_some before insert on problems for "
+                     "each row begin if new.") +
+         refused + " then signal sqlstate '45000' set message_text = 'refused by the test'; end if; end");
     EmptyAllTables();
     ProgramRun plain = RunSample(Kwrc(), With(Kwrc().args, "-again"));
     ASSERT_NE(plain.output.find("Unable to create problem record"), std::string::npos) << plain.output;
@@ -153,29 +154,16 @@ TEST_F(BatchedRunTest, RefusedStatementsGiveThePlainRunsLogAndRows) {
     EXPECT_EQ(atomic.exit_code, 0);
     EXPECT_EQ(Log(atomic), Log(plain));
     EXPECT_EQ(AllRows(), plain_rows);
-    EXPECT_NE(atomic.errors.find(c.notice), std::string::npos) << atomic.errors;
+    EXPECT_NE(atomic.errors.find(notice), std::string::npos) << atomic.errors;
     EXPECT_NE(atomic.errors.find("refused by the test"), std::string::npos) << atomic.errors;
   }
-}
-
-// A KWRC year of `cases` birds, each with two problems and a release.
-std::string KwrcYear(int cases) {
-  std::string file = "Case\tSpecies\tAdmitted\tBand\tAge\tSex\tFound\tHistory\tOutcome\tFinal\tPlace\tSummary\t"
-                     "Problems\tCause\r\n";
-  for (int n = 30000; n < 30000 + cases; ++n) {
-    file += std::to_string(n) +
-            "\tEUSP\t5/12/2012\tUNK\tAdult\tM\t\"Beihai Park\"\tFound in a park\tRelease\t6/1/2012\t"
-            "\"Beihai Park\"\t\"Rested and flew well\"\t\"Emaciation; Trauma\"\tUnknown\r\n";
-  }
-  return file;
 }
 
 // Another program inserts patients while an atomic run imports: its keys are
 // not those the run predicted, yet every problem, entry and release lands on
 // its own bird, and every row of the other program is there.
 TEST_F(BatchedRunTest, AnotherWriterNeverMovesARowToAnotherAnimal) {
-  WriteFile(dir_ + "/KWRC_2012.txt", KwrcYear(400));
-  Exec(ReadFile(std::string(CORVANA_SOURCE_DIR) + "/samples/kwrc/settings.sql"));
+  KwrcYear();
   const std::string by_case =
       "select p.patient_id, t.what from patient p join ("
       " select patient_id, concat('problem ', description) what from problems"
@@ -187,7 +175,7 @@ TEST_F(BatchedRunTest, AnotherWriterNeverMovesARowToAnotherAnimal) {
   const std::vector<std::string> expected = Rows(by_case);
 
   EmptyAllTables();
-  Exec(ReadFile(std::string(CORVANA_SOURCE_DIR) + "/samples/kwrc/settings.sql"));
+  KwrcYear();
   std::atomic<bool> stop{false};
   std::atomic<int> inserted{0};
   std::thread other([&] {
@@ -218,14 +206,14 @@ TEST_F(BatchedRunTest, AnotherWriterNeverMovesARowToAnotherAnimal) {
 // At 2 ms per round trip, a year of 400 birds (some 2,600 statements) takes
 // a small part of what waiting for each statement would.
 TEST_F(BatchedRunTest, ADistantServerCostsFewRoundTrips) {
-  WriteFile(dir_ + "/KWRC_2012.txt", KwrcYear(400));
-  Exec(ReadFile(std::string(CORVANA_SOURCE_DIR) + "/samples/kwrc/settings.sql"));
+  KwrcYear();
   DelayProxy distant(server_, 2);
   WriteIni(dir_, distant.port());
   ProgramRun atomic = RunProgram(dir_, With(Kwrc().args, "-atomic"));
   ASSERT_EQ(atomic.exit_code, 0) << atomic.errors;
-  EXPECT_GT(Statements(atomic), 2000);
-  EXPECT_LT(Seconds(atomic), Statements(atomic) * 0.002 / 4) << atomic.summary;
+  const double statements = SummaryNumber(atomic, "Statements: ");
+  EXPECT_GT(statements, 2000);
+  EXPECT_LT(SummaryNumber(atomic, "Wall time: "), statements * 0.002 / 4) << atomic.summary;
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "store/connection.h"
+#include "support/losses.h"
 #include "support/test_database.h"
-#include "util/loss_report.h"
 
 namespace {
 
@@ -15,25 +15,17 @@ class ServerWarningsTest : public DatabaseTest {
  protected:
   void SetUp() override {
     DatabaseTest::SetUp();
-    ForgetLossesAfter(0);
-    SetLossRecord("");
+    Forget();
     Exec("create table w (id int auto_increment primary key, label varchar(5), small tinyint, day date, "
          "count int, note varchar(20)) engine=InnoDB");
   }
   void TearDown() override {
-    ForgetLossesAfter(0);
-    SetLossRecord("");
+    Forget();
     DatabaseTest::TearDown();
   }
-  // The entries as "table|column|record|what|as exported|as stored".
-  static std::vector<std::string> Entries() {
-    std::vector<std::string> lines;
-    for (std::size_t i = 0; i < LossCount(); ++i) {
-      const LossEntry& e = LossAt(i);
-      lines.push_back(e.table + "|" + e.column + "|" + e.record + "|" + e.what + "|" + e.as_exported + "|" +
-                      e.as_stored);
-    }
-    return lines;
+  static void Forget() {
+    ForgetLossesAfter(0);
+    SetLossRecord("");
   }
 };
 
@@ -51,8 +43,7 @@ TEST_F(ServerWarningsTest, WhatTheServerCutOrZeroedIsReported) {
   EXPECT_EQ(AffectedRows(), 1u);
   SetLossRecord("2012-0008");
   // No date ('' is the application's "none") and clean values: nothing to
-  // report, and once the table's date and number columns are known, not
-  // even asked for.
+  // report, and, the table's date and number columns known, not asked for.
   auto show_warnings_sent = [] {
     SqlResult status = QueryDirect("show session status like 'Com_show_warnings'");
     MYSQL_ROW row = status.NextRow();
@@ -65,7 +56,7 @@ TEST_F(ServerWarningsTest, WhatTheServerCutOrZeroedIsReported) {
   ASSERT_EQ(ExecuteSql(kEscapeTexts, "update w set small=%d, note='%s' where id in (1,2);", {-1000, "x"}), 0);
   EXPECT_EQ(AffectedRows(), 2u);
   EXPECT_EQ(Tally().sent, sent + 3) << "SHOW WARNINGS is not one of the run's statements";
-  EXPECT_EQ(Entries(), (std::vector<std::string>{
+  EXPECT_EQ(ReportedLosses(), (std::vector<std::string>{
                            "w|label|2012-0007|cut|O'Hara County|(cut by the server)",
                            "w|small|2012-0007|out of range|300|(the column's limit)",
                            "w|day|2012-0007|not a date|2015-02-30|0000-00-00",
@@ -84,7 +75,7 @@ TEST_F(ServerWarningsTest, SeveralRowsOfOneStatement) {
   ASSERT_EQ(ExecuteDirect(statement), 0);
   SqlResult warnings = QueryDirect("SHOW WARNINGS");
   ReportServerWarnings(statement, warnings);
-  EXPECT_EQ(Entries(), (std::vector<std::string>{"w|label||cut|much too long|(cut by the server)",
+  EXPECT_EQ(ReportedLosses(), (std::vector<std::string>{"w|label||cut|much too long|(cut by the server)",
                                                  "w|small||out of range|999|(the column's limit)"}));
 }
 

@@ -34,8 +34,7 @@ TEST(WrittenColumnsTest, ColumnOfEachConversion) {
       std::string column = ColumnAt(written, at);
       found += (found.empty() ? "" : " ") + (column.empty() ? std::string("-") : column);
     }
-    std::string expected = c.columns;
-    EXPECT_EQ(found, expected) << c.format;
+    EXPECT_EQ(found, c.columns) << c.format;
   }
 }
 
